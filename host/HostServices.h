@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+class QWidget;
+
+namespace ZEVGis::Host
+{
+
+// What the module takes from its host application: message boxes, the keyboard state, the
+// wait cursor, file dialogs and the resource-handle scope. Dialogs reach these only through
+// this interface, so tests can replace the modal parts with a script (ScriptedHost).
+class HostServices
+{
+public:
+    virtual ~HostServices() = default;
+
+    // The host's alert box (acedAlert): an OK box with the text.
+    virtual void alert(const QString& text, QWidget* parent = nullptr) = 0;
+    // A Yes/No question with the question icon; true only for Yes.
+    virtual bool askYesNo(const QString& text, const QString& caption = QString(),
+                          QWidget* parent = nullptr) = 0;
+    // True while Ctrl is held (the key state of VK_CONTROL).
+    virtual bool isCtrlPressed() const = 0;
+    virtual void beginWaitCursor() = 0;
+    virtual void endWaitCursor() = 0;
+    // File dialogs; an empty string when the user cancels. `filter` is in Qt's form
+    // ("Xml files (*.xml);;All Files (*.*)").
+    virtual QString getOpenFileName(const QString& caption, const QString& filter,
+                                    QWidget* parent = nullptr) = 0;
+    virtual QString getSaveFileName(const QString& caption, const QString& filter,
+                                    QWidget* parent = nullptr) = 0;
+    // The module's resources are current between push and pop.
+    virtual void pushResourceHandle() = 0;
+    virtual void popResourceHandle() = 0;
+
+    // The services in use; a Qt implementation unless a test installed another.
+    static HostServices& current();
+    // Installs `services` (not owned; nullptr restores the Qt implementation).
+    static void install(HostServices* services);
+};
+
+// RAII wait cursor through the host services.
+class WaitCursor
+{
+public:
+    WaitCursor() { HostServices::current().beginWaitCursor(); }
+    ~WaitCursor() { HostServices::current().endWaitCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+// RAII resource-handle scope: popped also when an exception leaves the scope.
+class ResourceScope
+{
+public:
+    ResourceScope() { HostServices::current().pushResourceHandle(); }
+    ~ResourceScope() { HostServices::current().popResourceHandle(); }
+    ResourceScope(const ResourceScope&) = delete;
+    ResourceScope& operator=(const ResourceScope&) = delete;
+};
+
+} // namespace ZEVGis::Host
