@@ -41,6 +41,22 @@ public:
     static void install(HostServices* services);
 };
 
+// Installs `services` for the lifetime of the object and puts back what was current before.
+class ScopedHostServices
+{
+public:
+    explicit ScopedHostServices(HostServices& services) : m_previous(&HostServices::current())
+    {
+        HostServices::install(&services);
+    }
+    ~ScopedHostServices() { HostServices::install(m_previous); }
+    ScopedHostServices(const ScopedHostServices&) = delete;
+    ScopedHostServices& operator=(const ScopedHostServices&) = delete;
+
+private:
+    HostServices* m_previous;
+};
+
 // RAII wait cursor through the host services.
 class WaitCursor
 {
