@@ -1,0 +1,64 @@
+#include "catalog/CatalogItem.h"
+
+#include <algorithm>
+#include <boost/make_shared.hpp>
+
+namespace ZEVGis::Data
+{
+
+CCatalogItem::CCatalogItem() : m_properties(boost::make_shared<CPropertiesEx>())
+{
+}
+
+boost::shared_ptr<CPropertyEx> CCatalogItem::GetProperty(const QString& tag)
+{
+    return m_properties ? m_properties->FindProperty(tag) : boost::shared_ptr<CPropertyEx>();
+}
+
+void CCatalogItem::GetSortedSubItems(std::vector<boost::shared_ptr<CCatalogItem>>& out)
+{
+    out.clear();
+    out.reserve(m_subItems.size());
+    for (const auto& entry : m_subItems)
+        if (entry.second)
+            out.push_back(entry.second);
+    // The map is in GUID order, so a stable sort by order number breaks ties by GUID.
+    std::stable_sort(out.begin(), out.end(), [](const auto& a, const auto& b) {
+        return a->GetOrd() < b->GetOrd();
+    });
+}
+
+void CCatalogItem::SetName(const QString& name)
+{
+    m_name = name;
+    // The property grid shows the name as the CATALOGITEM_NAME property; keep it in step
+    // when the item has one.
+    if (m_properties)
+        if (auto property = m_properties->FindProperty(QString::fromUtf16(CatalogItemNameTag)))
+            property->SetValue(CDataBox(property->GetValue().GetType(), name));
+}
+
+void CCatalogItem::SetParentItem(boost::shared_ptr<CCatalogItem> parent)
+{
+    m_parent = parent;
+    m_parentGuid = parent ? parent->GetGUID() : QString();
+}
+
+void CCatalogItem::SetProperties(boost::shared_ptr<CPropertiesEx> properties)
+{
+    m_properties = properties;
+}
+
+void CCatalogItem::AddSubItem(boost::shared_ptr<CCatalogItem> item)
+{
+    if (!item || item.get() == this)
+        return;
+    m_subItems[item->GetGUID()] = item;
+}
+
+void CCatalogItem::RemoveSubItem(const QString& guid)
+{
+    m_subItems.erase(guid);
+}
+
+} // namespace ZEVGis::Data
