@@ -1,0 +1,50 @@
+#include "app/EditorLaunch.h"
+
+#include "editor/CatalogEditorDlg.h"
+#include "host/HostServices.h"
+
+namespace ZEVGis::Launch
+{
+
+namespace
+{
+
+DialogRunner& installedRunner()
+{
+    static DialogRunner runner;
+    return runner;
+}
+
+} // namespace
+
+void runEditorDialog(const QString& catalogReference, int showHiddenCatalogs)
+{
+    CCatalogEditorDlg dialog;
+    dialog.SetShowHiddenCatalogs(showHiddenCatalogs);
+    dialog.SetCatalogReference(catalogReference);
+    dialog.exec();
+}
+
+DialogRunner setDialogRunner(DialogRunner runner)
+{
+    DialogRunner previous = std::move(installedRunner());
+    installedRunner() = std::move(runner);
+    return previous ? previous : DialogRunner(&runEditorDialog);
+}
+
+void runDialog(const QString& catalogReference, int showHiddenCatalogs)
+{
+    const DialogRunner& runner = installedRunner();
+    if (runner)
+        runner(catalogReference, showHiddenCatalogs);
+    else
+        runEditorDialog(catalogReference, showHiddenCatalogs);
+}
+
+void runCatalogEditor(const QString& catalogReference, int showHiddenCatalogs)
+{
+    Host::ResourceScope resources;
+    runDialog(catalogReference, showHiddenCatalogs);
+}
+
+} // namespace ZEVGis::Launch

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+
+namespace ZEVGis::Launch
+{
+
+// Runs the catalog editor modally for one catalog reference and show-hidden setting.
+using DialogRunner = std::function<void(const QString& catalogReference, int showHiddenCatalogs)>;
+
+// The real run: CCatalogEditorDlg on the stack, its show-hidden flag and catalog reference
+// set (in this order), exec(); the dialog's result is of no interest to the caller.
+void runEditorDialog(const QString& catalogReference, int showHiddenCatalogs);
+
+// Replaces what the launch paths run (tests); an empty runner restores the editor dialog.
+// Returns the runner that was in place.
+DialogRunner setDialogRunner(DialogRunner runner);
+
+// Runs the installed runner. The caller holds the module's resources.
+void runDialog(const QString& catalogReference, int showHiddenCatalogs);
+
+// A complete launch: the module's resource handle pushed around runDialog(), popped also
+// when the dialog throws (the exception goes on to the caller).
+void runCatalogEditor(const QString& catalogReference, int showHiddenCatalogs);
+
+} // namespace ZEVGis::Launch

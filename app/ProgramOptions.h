@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace ZEVGis::Program
+{
+
+// What the standalone program was asked to do.
+struct ProgramOptions
+{
+    QString catalogReference;
+    bool showHiddenCatalogs = false;
+    QString catalogsFolder; // empty: ZEVX_CATALOG_ROOT or the user's data folder
+    QString drawing;        // empty: ZEVX_DRAWING or none
+    QString language;       // "en", "hr" or empty (the locale decides)
+    QString screenshot;     // PNG to write instead of running the editor interactively
+};
+
+struct CommandLine
+{
+    enum class Action
+    {
+        Run,
+        ShowHelp,
+        ShowVersion,
+        Error
+    };
+    Action action = Action::Error;
+    ProgramOptions options;
+    // The help or version text, or what is wrong with the command line.
+    QString text;
+};
+
+// Parses the program's arguments (the first one is the program itself) and checks what can
+// be checked before anything is shown: the language, that the catalogs folder exists and
+// that the screenshot can be written.
+CommandLine parseCommandLine(const QStringList& arguments);
+
+// Empty when a file can be written at `path`, else why not.
+QString screenshotPathProblem(const QString& path);
+
+// True when a screenshot has to be rendered without a window system: nothing names a
+// display and the user chose no platform.
+bool needsOffscreenPlatform();
+
+} // namespace ZEVGis::Program

@@ -1,0 +1,101 @@
+// zevxcatalogeditor: the catalog editor as a program of its own, on any desktop.
+
+#include "app/EditorLaunch.h"
+#include "app/ProgramOptions.h"
+#include "app/ScreenshotSession.h"
+#include "catalog/CatalogManager.h"
+#include "catalog/ModuleConfiguration.h"
+#include "host/HostServices.h"
+#include "host/QtHostServices.h"
+
+#include <QApplication>
+#include <QDir>
+
+#include <cstdio>
+
+using namespace ZEVGis;
+
+namespace
+{
+
+void print(FILE* stream, const QString& text)
+{
+    const QByteArray bytes = text.toLocal8Bit();
+    std::fputs(bytes.constData(), stream);
+    if (!text.endsWith(QLatin1Char('\n')))
+        std::fputc('\n', stream);
+    std::fflush(stream);
+}
+
+QString optionOrEnvironment(const QString& option, const char* variable)
+{
+    return option.isEmpty() ? qEnvironmentVariable(variable) : option;
+}
+
+void configure(const Program::ProgramOptions& options)
+{
+    Data::CCatalogManager::Instance()->Configure(
+        optionOrEnvironment(options.catalogsFolder, "ZEVX_CATALOG_ROOT"),
+        optionOrEnvironment(options.drawing, "ZEVX_DRAWING"));
+    if (!options.language.isEmpty())
+        CModuleConfiguration::Instance()->SetLanguage(options.language);
+}
+
+int takeScreenshot(const Program::ProgramOptions& options)
+{
+    Program::ScreenshotSession session(options.screenshot);
+    session.start();
+    Launch::runCatalogEditor(options.catalogReference, options.showHiddenCatalogs ? 1 : 0);
+    session.finish();
+    if (!session.saved())
+    {
+        print(stderr, QStringLiteral("zevxcatalogeditor: no screenshot written to %1: %2")
+                          .arg(QDir::toNativeSeparators(options.screenshot), session.report()));
+        return 1;
+    }
+    print(stdout, QStringLiteral("Screenshot of %1 written to %2")
+                      .arg(session.report(), QDir::toNativeSeparators(options.screenshot)));
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+
+    const Program::CommandLine commandLine = Program::parseCommandLine(arguments);
+    switch (commandLine.action)
+    {
+    case Program::CommandLine::Action::ShowHelp:
+    case Program::CommandLine::Action::ShowVersion:
+        print(stdout, commandLine.text);
+        return 0;
+    case Program::CommandLine::Action::Error:
+        print(stderr, QStringLiteral("zevxcatalogeditor: %1\nTry 'zevxcatalogeditor --help'.")
+                          .arg(commandLine.text));
+        return 2;
+    case Program::CommandLine::Action::Run:
+        break;
+    }
+    const Program::ProgramOptions& options = commandLine.options;
+
+    // The platform is chosen when the application object is built.
+    if (!options.screenshot.isEmpty() && Program::needsOffscreenPlatform())
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+
+    QApplication::setApplicationName(QStringLiteral("zevxcatalogeditor"));
+    QApplication::setApplicationVersion(QStringLiteral(ZEVX_VERSION));
+    QApplication application(argc, argv);
+
+    configure(options);
+    Host::QtHostServices hostServices;
+    Host::ScopedHostServices useHost(hostServices);
+
+    if (!options.screenshot.isEmpty())
+        return takeScreenshot(options);
+    Launch::runCatalogEditor(options.catalogReference, options.showHiddenCatalogs ? 1 : 0);
+    return 0;
+}
