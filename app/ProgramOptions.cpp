@@ -32,14 +32,19 @@ struct Parser
                                   QStringLiteral("Render the editor to a PNG file and exit "
                                                  "(works without a display)."),
                                   QStringLiteral("FILE.png")};
-    QCommandLineOption help = parser.addHelpOption();
-    QCommandLineOption version = parser.addVersionOption();
+    // Our own help option: the built-in one also offers the Qt options, which this program,
+    // parsing before the application object exists, does not take.
+    QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
+                            QStringLiteral("Displays this help.")};
+    QCommandLineOption version{{QStringLiteral("v"), QStringLiteral("version")},
+                               QStringLiteral("Displays the version.")};
 
     Parser()
     {
         parser.setApplicationDescription(
             QStringLiteral("Catalog editor: browse and edit the catalogs of the catalog "
                            "registry."));
+        parser.addOptions({help, version});
         parser.addOptions({showHidden, catalogs, drawing, language, screenshot});
         parser.addPositionalArgument(QStringLiteral("REFERENCE"),
                                      QStringLiteral("Catalog to select first (ignoring case)."),
@@ -48,9 +53,14 @@ struct Parser
 
     QString helpText() const
     {
-        // Parsed before the application object exists, the parser cannot know our name.
+        // The parser names the program after argv[0] or the application object, neither of
+        // which is ours to rely on here.
         QString text = parser.helpText();
-        text.replace(QStringLiteral("<executable_name>"), programName);
+        const QString usage = QStringLiteral("Usage: ");
+        const qsizetype start = text.indexOf(usage);
+        const qsizetype end = text.indexOf(QStringLiteral(" [options]"), start);
+        if (start >= 0 && end > start)
+            text.replace(start + usage.size(), end - start - usage.size(), programName);
         return text;
     }
 };
