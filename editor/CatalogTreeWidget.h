@@ -1,0 +1,96 @@
+#pragma once
+
+#include "editor/CatalogTreeFill.h"
+
+#include <QIcon>
+#include <QTreeWidget>
+#include <array>
+#include <unordered_map>
+
+namespace ZEVGis::Data
+{
+class CCatalog;
+class CCatalogItem;
+} // namespace ZEVGis::Data
+
+namespace ZEVGis::Editor
+{
+
+// The icons both catalog trees draw from, by TreeImage index.
+using TreeImageList = std::array<QIcon, TreeImageCount>;
+
+// Tree row for a catalog item (or, without an item, a tree's root row). It holds a
+// non-owning pointer to the item and an index into the shared image list, so replacing an
+// icon in the list changes every row that uses it.
+class CatalogTreeRowItem : public QTreeWidgetItem
+{
+public:
+    enum
+    {
+        RowType = QTreeWidgetItem::UserType + 1
+    };
+
+    CatalogTreeRowItem(Data::CCatalogItem* item, const QString& text, int image,
+                       const TreeImageList* images);
+
+    Data::CCatalogItem* catalogItem() const { return m_item; }
+    int imageIndex() const { return m_image; }
+    void setImageIndex(int image);
+
+    QVariant data(int column, int role) const override;
+    void setData(int column, int role, const QVariant& value) override;
+    // Rows order by their items' order numbers; a row without an item ties with any row.
+    bool operator<(const QTreeWidgetItem& other) const override;
+
+private:
+    QString m_text;
+    Data::CCatalogItem* m_item;
+    const TreeImageList* m_images;
+    int m_image;
+};
+
+// The catalog item a row shows; null for a root row or a foreign row.
+Data::CCatalogItem* CatalogItemOfRow(const QTreeWidgetItem* row);
+
+using ItemRowMap = std::unordered_map<Data::CCatalogItem*, QTreeWidgetItem*>;
+
+// One of the editor's two catalog trees: fills itself from a catalog in one batch and reports
+// the end of label editing.
+class CatalogTreeWidget : public QTreeWidget
+{
+    Q_OBJECT
+public:
+    explicit CatalogTreeWidget(QWidget* parent = nullptr);
+
+    void setImageList(const TreeImageList* images) { m_images = images; }
+
+    // Replaces every row: a root row with `rootText` and `rootImage`, below it the catalog's
+    // rows. Rows below the top level are entered in `rowMap` (when given; emptied first).
+    // Then the root's children of `sortTarget` (the tree that gets the sort request, which
+    // need not be this one) are ordered by order number. Returns the root row.
+    QTreeWidgetItem* fill(Data::CCatalog* catalog, const QString& rootText, int rootImage,
+                          ItemRowMap* rowMap, CatalogTreeWidget* sortTarget);
+    // Orders the root row's children by order number (stable).
+    void sortRootChildrenByOrder();
+
+    // Opens the label editor on `row` when it shows an item; false otherwise.
+    bool beginLabelEdit(QTreeWidgetItem* row);
+    bool isEditingLabel() const { return state() == QAbstractItemView::EditingState; }
+    // The text the row had when its label editor opened.
+    QString textBeforeEdit() const { return m_textBeforeEdit; }
+
+signals:
+    // The label editor of `row` closed, with the new text accepted (the row's text) or
+    // cancelled (the old text is back).
+    void labelEditEnded(QTreeWidgetItem* row);
+
+protected:
+    void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
+
+private:
+    const TreeImageList* m_images = nullptr;
+    QTreeWidgetItem* m_editRow = nullptr;
+    QString m_textBeforeEdit;
+};
+
+} // namespace ZEVGis::Editor
