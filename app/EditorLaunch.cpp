@@ -3,6 +3,9 @@
 #include "editor/CatalogEditorDlg.h"
 #include "host/HostServices.h"
 
+#include <QPointer>
+#include <QWindow>
+
 namespace ZEVGis::Launch
 {
 
@@ -15,11 +18,27 @@ DialogRunner& installedRunner()
     return runner;
 }
 
+QPointer<QWindow>& hostWindow()
+{
+    static QPointer<QWindow> window;
+    return window;
+}
+
 } // namespace
+
+void setHostWindow(QWindow* window)
+{
+    hostWindow() = window;
+}
 
 void runEditorDialog(const QString& catalogReference, int showHiddenCatalogs)
 {
     CCatalogEditorDlg dialog;
+    if (QWindow* owner = hostWindow())
+    {
+        dialog.winId(); // creates the native window, so it can be given its owner
+        dialog.windowHandle()->setTransientParent(owner);
+    }
     dialog.SetShowHiddenCatalogs(showHiddenCatalogs);
     dialog.SetCatalogReference(catalogReference);
     dialog.exec();

@@ -3,6 +3,8 @@
 #include <QString>
 #include <functional>
 
+class QWindow;
+
 namespace ZEVGis::Launch
 {
 
@@ -12,6 +14,10 @@ using DialogRunner = std::function<void(const QString& catalogReference, int sho
 // The real run: CCatalogEditorDlg on the stack, its show-hidden flag and catalog reference
 // set (in this order), exec(); the dialog's result is of no interest to the caller.
 void runEditorDialog(const QString& catalogReference, int showHiddenCatalogs);
+
+// The window the editor is modal to when there is no Qt parent (the host's main window
+// inside the host); null: none.
+void setHostWindow(QWindow* window);
 
 // Replaces what the launch paths run (tests); an empty runner restores the editor dialog.
 // Returns the runner that was in place.
