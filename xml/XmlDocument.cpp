@@ -1,7 +1,8 @@
 #include "xml/XmlDocument.h"
 
+#include "xml/Utf8Decoder.h"
+
 #include <QFile>
-#include <QStringDecoder>
 
 #include <algorithm>
 #include <cerrno>
@@ -10,6 +11,7 @@
 #include <limits>
 #include <new>
 
+#include <sys/mman.h>
 #include <sys/stat.h>
 
 namespace
@@ -19,8 +21,9 @@ QString systemError(int code)
     return QString::fromLocal8Bit(std::strerror(code));
 }
 
-// Reads the whole file; returns 0 or an errno value.
-int readWholeFile(FILE* file, QByteArray& bytes)
+// The whole file as UTF-16 text. The file is mapped when it can be (no copy of its bytes),
+// else read. Returns 0 or an errno value.
+int readUtf8File(FILE* file, QString& text, qsizetype& byteCount)
 {
     struct stat info;
     if (fstat(fileno(file), &info) == 0 && S_ISDIR(info.st_mode))
@@ -33,30 +36,27 @@ int readWholeFile(FILE* file, QByteArray& bytes)
     // Offsets in the index are 32-bit.
     if (size >= std::numeric_limits<int32_t>::max())
         return EFBIG;
+    byteCount = 0;
+    text = QString();
     if (size == 0)
         return 0;
-    bytes = QByteArray(qsizetype(size), Qt::Uninitialized);
-    const size_t got = std::fread(bytes.data(), 1, size_t(size), file);
-    if (got < size_t(size))
+
+    void* mapped = mmap(nullptr, size_t(size), PROT_READ, MAP_PRIVATE, fileno(file), 0);
+    if (mapped != MAP_FAILED)
     {
-        if (std::ferror(file))
-            return errno ? errno : EIO;
-        bytes.truncate(qsizetype(got)); // the file shrank while we read it
+        madvise(mapped, size_t(size), MADV_SEQUENTIAL);
+        text = DecodeUtf8(static_cast<const char*>(mapped), qsizetype(size));
+        munmap(mapped, size_t(size));
+        byteCount = qsizetype(size);
+        return 0;
     }
+    QByteArray bytes(qsizetype(size), Qt::Uninitialized);
+    const size_t got = std::fread(bytes.data(), 1, size_t(size), file);
+    if (got < size_t(size) && std::ferror(file))
+        return errno ? errno : EIO;
+    text = DecodeUtf8(bytes.constData(), qsizetype(got));
+    byteCount = qsizetype(got);
     return 0;
-}
-// UTF-8 to UTF-16 in one pass into a buffer of the largest possible size. A byte-order mark
-// stays in the text as U+FEFF; invalid bytes become U+FFFD.
-QString decodeUtf8(const QByteArray& bytes)
-{
-    QStringDecoder decoder(QStringConverter::Utf8, QStringConverter::Flag::Stateless |
-                                                       QStringConverter::Flag::ConvertInitialBom);
-    QString text(bytes.size(), Qt::Uninitialized);
-    const QChar* end = decoder.appendToBuffer(text.data(), bytes);
-    text.truncate(end - text.constData());
-    if (text.capacity() - text.size() > text.size() / 8)
-        text.squeeze(); // mostly multi-byte text: give back what the guess overshot
-    return text;
 }
 } // namespace
 
@@ -88,13 +88,12 @@ bool CXmlDocument::LoadFile(const QString& path)
         m_result = systemError(errno);
         return false;
     }
-    QByteArray bytes;
+    QString text;
+    qsizetype byteCount = 0;
     int failure = 0;
     try
     {
-        failure = readWholeFile(file, bytes);
-        if (!failure)
-            m_text = decodeUtf8(bytes);
+        failure = readUtf8File(file, text, byteCount);
     }
     catch (const std::bad_alloc&)
     {
@@ -106,8 +105,8 @@ bool CXmlDocument::LoadFile(const QString& path)
         m_result = systemError(failure);
         return false;
     }
-    m_result = QStringLiteral("%1 bytes to %2 wide chars").arg(bytes.size()).arg(m_text.size());
-    bytes = QByteArray();
+    m_text = text;
+    m_result = QStringLiteral("%1 bytes to %2 wide chars").arg(byteCount).arg(m_text.size());
     return Parse();
 }
 

@@ -18,15 +18,24 @@ public:
           m_parent(parentRecord), m_parentLevel(doc.record(parentRecord).Level()),
           m_ignoreCase(doc.m_docFlags & IgnoreCase)
     {
+        const int32_t first = doc.record(parentRecord).firstChild;
+        m_parentChildren = {first, first ? doc.record(first).prevSibling : 0};
     }
 
     int Run();
 
 private:
+    // First and last child of a parent, so that appending needs not reach back to its records.
+    struct Children
+    {
+        int32_t first;
+        int32_t last;
+    };
     struct OpenElement
     {
         XmlTokenPos token;
         int32_t record;
+        Children children;
     };
     enum class Unended
     {
@@ -51,7 +60,7 @@ private:
     }
 
     void startElement(const XmlTokenPos& token);
-    void appendChild(int parent, int child);
+    void appendChild(int32_t child);
     void push(const XmlTokenPos& token, int32_t record);
     void endElement(const XmlTokenPos& token);
     int findOpen(const XmlTokenPos& endTag) const;
@@ -63,6 +72,7 @@ private:
     const int m_parent;
     const int m_parentLevel;
     const bool m_ignoreCase;
+    Children m_parentChildren;
     int m_first = 0;
     std::unique_ptr<OpenElement[]> m_stack;
     int m_depth = 0;
@@ -82,7 +92,7 @@ int CXmlDocument::ElementLoop::Run()
     m_doc.m_result.clear();
     m_stack.reset(new OpenElement[6]);
     m_stackCapacity = 6;
-    const CXmlScanner scanner(m_text);
+    const CXmlScanner scanner(m_text, int32_t(m_doc.m_text.size()));
     for (int32_t pos = 0;;)
     {
         const XmlTokenPos token = scanner.Next(pos);
@@ -117,7 +127,7 @@ void CXmlDocument::ElementLoop::startElement(const XmlTokenPos& token)
     const int32_t index = m_doc.m_nextFreeRecord++;
     if (!m_first)
         m_first = index;
-    appendChild(innermost(), index);
+    appendChild(index);
 
     ElementPos& element = m_doc.record(index);
     element.flags |= (m_parentLevel + m_depth) & ElementPos::LevelMask;
@@ -130,26 +140,30 @@ void CXmlDocument::ElementLoop::startElement(const XmlTokenPos& token)
         push(token, index);
 }
 
-// Links a new record as the last child of parent and sets its parent, previous sibling and
-// first-sibling flag. The first child's previous-sibling link finds the last child at once.
-void CXmlDocument::ElementLoop::appendChild(int parent, int child)
+// Links a new record as the last child of the innermost open element (or of the loop's parent)
+// and sets its parent, previous sibling and first-sibling flag. The first child's
+// previous-sibling link always names the last child.
+void CXmlDocument::ElementLoop::appendChild(int32_t child)
 {
-    ElementPos& parentPos = m_doc.record(parent);
+    const int32_t parent = innermost();
+    Children& children = m_depth ? m_stack[m_depth - 1].children : m_parentChildren;
     ElementPos& childPos = m_doc.record(child);
     childPos.parent = parent;
-    if (!parentPos.firstChild)
+    if (!children.first)
     {
-        parentPos.firstChild = child;
+        m_doc.record(parent).firstChild = child;
         childPos.prevSibling = child;
         childPos.flags = ElementPos::FirstSibling;
-        return;
+        children.first = child;
     }
-    ElementPos& first = m_doc.record(parentPos.firstChild);
-    const int32_t last = first.prevSibling;
-    m_doc.record(last).nextSibling = child;
-    childPos.prevSibling = last;
-    first.prevSibling = child;
-    childPos.flags = 0;
+    else
+    {
+        m_doc.record(children.last).nextSibling = child;
+        childPos.prevSibling = children.last;
+        m_doc.record(children.first).prevSibling = child;
+        childPos.flags = 0;
+    }
+    children.last = child;
 }
 
 void CXmlDocument::ElementLoop::push(const XmlTokenPos& token, int32_t record)
@@ -162,7 +176,7 @@ void CXmlDocument::ElementLoop::push(const XmlTokenPos& token, int32_t record)
         m_stack = std::move(grown);
         m_stackCapacity = capacity;
     }
-    m_stack[m_depth++] = OpenElement{token, record};
+    m_stack[m_depth++] = OpenElement{token, record, {0, 0}};
 }
 
 void CXmlDocument::ElementLoop::endElement(const XmlTokenPos& token)
@@ -259,6 +273,7 @@ void CXmlDocument::ElementLoop::closeUnended(int from, Unended reason, const Xml
         closedChild = index;
     }
     m_doc.record(m_doc.record(parent).firstChild).prevSibling = lastOfChain;
+    (from ? m_stack[from - 1].children : m_parentChildren).last = lastOfChain;
     if (errorMovesUp)
         m_doc.record(parent).flags |= ElementPos::HasError;
     m_depth = from;

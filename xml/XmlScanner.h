@@ -4,6 +4,8 @@
 // once per token, so the hot paths are inline and work on the raw UTF-16 text. The text must be
 // terminated by a 0 character, which is where scanning stops (a 0 inside the text ends it too).
 
+#include "xml/XmlCharSearch.h"
+
 #include <QString>
 
 #include <cstdint>
@@ -58,7 +60,8 @@ struct XmlTokenPos
 class CXmlScanner
 {
 public:
-    explicit CXmlScanner(const char16_t* text) : m_s(text) {}
+    // text[length] must be 0.
+    CXmlScanner(const char16_t* text, int32_t length) : m_s(text), m_end(text + length) {}
 
     // The token that starts at offset pos.
     XmlTokenPos Next(int32_t pos) const
@@ -95,6 +98,11 @@ private:
     // A tag name ends at the first of " \t\n\r/>" (or the end of the text).
     int32_t nameEnd(int32_t i) const
     {
+#if defined(__SSE2__)
+        if (XmlCharSearch::UseBlocks && m_end - m_s - i >= 16)
+            if (const unsigned stops = XmlCharSearch::NameStops(m_s + i))
+                return i + __builtin_ctz(stops);
+#endif
         for (;; ++i)
         {
             const char16_t c = m_s[i];
@@ -113,23 +121,19 @@ private:
     // The '>' that closes a start tag or a declaration; quoted values may hold '>'. -1 at the end.
     int32_t closingOfQuoted(int32_t i) const
     {
-        for (;; ++i)
+        using namespace XmlCharSearch;
+        for (const char16_t* p = m_s + i;;)
         {
-            char16_t c = m_s[i];
+            p = FindAnyOrZero<u'>', u'"', u'\''>(p, m_end);
+            const char16_t c = *p;
             if (c == u'>')
-                return i;
-            if (c == u'"' || c == u'\'')
-            {
-                const char16_t quote = c;
-                do
-                {
-                    c = m_s[++i];
-                    if (c == 0)
-                        return -1;
-                } while (c != quote);
-            }
-            else if (c == 0)
+                return int32_t(p - m_s);
+            if (c == 0)
                 return -1;
+            p = FindOrZero(p + 1, m_end, c);
+            if (*p == 0)
+                return -1;
+            ++p;
         }
     }
 
@@ -145,10 +149,15 @@ private:
 
     XmlTokenPos startTag(int32_t pos) const
     {
-        const int32_t nameStop = nameEnd(pos + 1);
-        const int32_t close = closingOfQuoted(nameStop);
-        if (close < 0)
-            return error(XmlScanError::UnterminatedStartTag, pos, endOfText(nameStop));
+        int32_t nameStop;
+        int32_t close;
+        if (!windowedStartTag(pos, nameStop, close))
+        {
+            nameStop = nameEnd(pos + 1);
+            close = closingOfQuoted(nameStop);
+            if (close < 0)
+                return error(XmlScanError::UnterminatedStartTag, pos, endOfText(nameStop));
+        }
         XmlTokenPos t = token(XmlStartTag, pos, close + 1);
         t.nameStart = pos + 1;
         t.nameLength = nameStop - pos - 1;
@@ -161,15 +170,58 @@ private:
         return t;
     }
 
+    // The common start tag, 16 units at a time: name and closing '>' from bit masks, with the
+    // double-quoted values found by a running parity of the quote marks. Gives up (false) on a
+    // single quote or a 0 before the '>', a name longer than 16, or near the end of the text;
+    // the plain searches then do the tag from its start.
+    bool windowedStartTag(int32_t pos, int32_t& nameStop, int32_t& close) const
+    {
+#if defined(__SSE2__)
+        using namespace XmlCharSearch;
+        const char16_t* p = m_s + pos + 1;
+        if (!UseBlocks || m_end - p < 16)
+            return false;
+        TagWindow w = LoadTagWindow(p);
+        if (!w.nameStop)
+            return false;
+        const int nameLength = __builtin_ctz(w.nameStop);
+        unsigned from = (0xFFFFu << nameLength) & 0xFFFF;
+        bool inside = false;
+        for (;;)
+        {
+            const unsigned quoted = InsideQuotes(w.doubleQuote & from, inside);
+            const unsigned closing = w.greater & from & ~quoted;
+            const unsigned upToClosing = closing ? ((closing & (0u - closing)) << 1) - 1 : 0xFFFF;
+            if (w.otherStop & from & upToClosing)
+                return false;
+            if (closing)
+            {
+                nameStop = pos + 1 + nameLength;
+                close = int32_t(p - m_s) + __builtin_ctz(closing);
+                return true;
+            }
+            inside = (quoted >> 15) & 1;
+            p += 16;
+            if (m_end - p < 16)
+                return false;
+            w = LoadTagWindow(p);
+            from = 0xFFFF;
+        }
+#else
+        (void)pos, (void)nameStop, (void)close;
+        return false;
+#endif
+    }
+
     XmlTokenPos endTag(int32_t pos) const
     {
         const int32_t nameStop = nameEnd(pos + 2);
         int32_t i = nameStop;
-        while (m_s[i] != u'>')
+        if (m_s[i] != u'>')
         {
+            i = int32_t(XmlCharSearch::FindAnyOrZero<u'>'>(m_s + i, m_end) - m_s);
             if (m_s[i] == 0)
                 return error(XmlScanError::UnterminatedEndTag, pos, i);
-            ++i;
         }
         XmlTokenPos t = token(XmlEndTag, pos, i + 1);
         t.nameStart = pos + 2;
@@ -179,29 +231,18 @@ private:
 
     XmlTokenPos textOrWhitespace(int32_t pos) const
     {
-        int32_t i = pos;
-        while (IsSpace(m_s[i]))
-            ++i;
-        if (m_s[i] == u'<' || m_s[i] == 0)
-            return token(XmlWhitespace, pos, i);
+        const char16_t* p = XmlCharSearch::SkipSpaces(m_s + pos, m_end);
+        if (*p == u'<' || *p == 0)
+            return token(XmlWhitespace, pos, int32_t(p - m_s));
         // Text runs to the next '<'; a '>' in it ends it just after that '>'.
-        for (;; ++i)
-        {
-            const char16_t c = m_s[i];
-            if (c > u'>')
-                continue;
-            if (c == u'<' || c == 0)
-                return token(XmlText, pos, i);
-            if (c == u'>')
-                return token(XmlText, pos, i + 1);
-        }
+        p = XmlCharSearch::FindAnyOrZero<u'<', u'>'>(p, m_end);
+        const int32_t i = int32_t(p - m_s);
+        return *p == u'>' ? token(XmlText, pos, i + 1) : token(XmlText, pos, i);
     }
 
     int32_t endOfText(int32_t i) const
     {
-        while (m_s[i] != 0)
-            ++i;
-        return i;
+        return int32_t(XmlCharSearch::FindAnyOrZero<>(m_s + i, m_end) - m_s);
     }
 
     // Comments, CDATA sections, processing instructions, DOCTYPE, declarations and bad tags.
@@ -212,4 +253,5 @@ private:
     XmlTokenPos incorrect(XmlScanError code, int32_t pos) const;
 
     const char16_t* m_s;
+    const char16_t* m_end;
 };

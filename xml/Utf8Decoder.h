@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+
+#include <cstddef>
+
+// UTF-8 to UTF-16 for large files: ASCII runs are widened 16 bytes at a time and well-formed
+// sequences decoded inline. Malformed input gives the same replacement characters as
+// QStringDecoder. A byte-order mark is not removed: it stays as U+FEFF.
+QString DecodeUtf8(const char* data, qsizetype size);
+
+// Asks for large pages under the whole 2 MB pages of a large buffer that is about to be filled.
+void AdviseLargePages(void* memory, size_t bytes);
