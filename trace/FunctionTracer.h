@@ -3,6 +3,12 @@
 #include <chrono>
 #include <string>
 
+#if defined(__GNUC__)
+#define ZEVX_PRINTF_FORMAT(formatIndex, firstArgument) __attribute__((format(printf, formatIndex, firstArgument)))
+#else
+#define ZEVX_PRINTF_FORMAT(formatIndex, firstArgument)
+#endif
+
 // Scope object of the diagnostic log: writes "Entering function " when a traced function
 // starts and "Exiting function " when it ends, while CLogEngine says logging is on and the
 // tracer's level is at most the threshold (3). Every line starts with the prefix
@@ -37,7 +43,7 @@ public:
     void LogAt(unsigned line, int level, const std::string& text) const;
 
     // printf-style formatting for the texts of Log ("Dodan item: %s").
-    static std::string Format(const char* format, ...) __attribute__((format(printf, 1, 2)));
+    static std::string Format(const char* format, ...) ZEVX_PRINTF_FORMAT(1, 2);
 
     int Level() const { return m_level; }
     const std::string& FunctionName() const { return m_function; }
