@@ -1,12 +1,38 @@
 #pragma once
 
-// Placeholder of the editor dialog's public face, relied on by the launch paths in app/.
-// The editor's engineer replaces this file with the full dialog; these members stay.
-
 #include "controls/PropertyExGridCtrl.h"
+#include "editor/ButtonStates.h"
+#include "editor/CatalogTreeWidget.h"
 
 #include <QDialog>
+#include <QString>
+#include <boost/shared_ptr.hpp>
+#include <map>
+#include <vector>
 
+class QAbstractButton;
+class QComboBox;
+class QTreeWidgetItem;
+class CPictureBox;
+class CResizeAnchors;
+class CSplitterControl;
+
+namespace ZEVGis::Data
+{
+class CCatalog;
+class CCatalogItem;
+class CCatalogItemTemplate;
+class CCatalogMetadata;
+class CPropertyEx;
+} // namespace ZEVGis::Data
+
+// The catalog editor: a catalog of the registry chosen in a combo box, its drawing copy in the
+// upper tree and the catalog itself in the lower tree, the selected entry's properties in the
+// grid and its picture beside them. All edits are made on the catalogs held by the catalog
+// manager; OK saves the catalog shown, Cancel (and the close box) reloads it.
+//
+// The start-up runs when the dialog is first shown or executed; a registry that offers no
+// catalog alerts "Catalog error!" and ends the dialog as cancelled.
 class CCatalogEditorDlg : public QDialog, public CCallbackItemUpdated, public CCallbackItemSelChanged
 {
     Q_OBJECT
@@ -18,4 +44,123 @@ public:
     void SetCatalogReference(const QString& reference);
     // 0: hidden catalogs are not offered; non-zero: offered, marked "*** HIDDEN ***".
     void SetShowHiddenCatalogs(int show);
+
+    int exec() override;
+    // Runs the start-up once. False when no catalog can be offered: the alert has been shown
+    // and the dialog is to end as cancelled.
+    bool OnInitDialog();
+
+    // Property grid callbacks.
+    void OnItemUpdated(ZEVGis::Data::CPropertyEx* property) override;
+    void OnItemSelChanged(ZEVGis::Data::CPropertyEx* property) override;
+
+    // Commands, as the buttons and keys run them.
+    void OnBnClickedOk();
+    void OnBnClickedCancel();
+    void OnBnClickedBtnNew();
+    void OnBnClickedBtnDel();
+    void OnBnClickedBtnSetDefault();
+    void OnBnClickedBtnInfo();
+    void OnBnClickedBtnTest();
+    void OnCbnSelchangeComboCatalog();
+
+    // The catalog shown by a tree: which 0 the drawing copy (upper tree), 1 the catalog.
+    boost::shared_ptr<ZEVGis::Data::CCatalog> GetCatalog(int which);
+    // The metadata of the catalog combo's selection (empty when nothing is selected).
+    boost::shared_ptr<ZEVGis::Data::CCatalogMetadata> SelectedMetadata() const;
+    // The template chosen in the template combo (empty when none).
+    boost::shared_ptr<ZEVGis::Data::CCatalogItemTemplate> SelectedTemplate() const;
+    // The item whose properties the grid shows (null when none).
+    ZEVGis::Data::CCatalogItem* CurrentItem() const { return m_currentItem; }
+    // 0 before either tree had the focus, 1 the upper tree, 2 the lower tree.
+    int ActiveTree() const { return m_activeTree; }
+    int PictureDrawMode() const { return m_pictureDrawMode; }
+    // The lower tree's row of an item below its top level, or null.
+    QTreeWidgetItem* RowOfItem(ZEVGis::Data::CCatalogItem* item) const;
+
+public slots:
+    void accept() override;
+    void reject() override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    // Layout (CatalogEditorLayout.cpp)
+    void CreateControls();
+    void ConnectControls();
+    void PlaceControls();
+    void CreateSplitter();
+    void SetUpResizing();
+    void LoadIcons();
+    void LoadTexts();
+    void OnSplitterMoved(int delta);
+
+    // Start-up and catalog choice (CatalogEditorDlg.cpp)
+    void FillCatalogCombo();
+    void SaveCatalogShownBefore();
+    void FillTemplateCombo(const QString& reference);
+    void ApplyCatalogIcons(ZEVGis::Data::CCatalog* catalog,
+                           const ZEVGis::Data::CCatalogMetadata& metadata);
+
+    // Trees (CatalogEditorTree.cpp)
+    void FillTree(bool upper, ZEVGis::Data::CCatalog* catalog);
+    void OnTreeSelChanged(bool upper);
+    void OnTreeFocus(bool upper);
+    void UpdateButtons(ZEVGis::Data::CCatalogItem* item, bool upper);
+    void SetButtonStates(const ZEVGis::Editor::EditorButtonStates& states);
+    void EnableButton(int id, bool enable);
+    ZEVGis::Editor::CatalogTreeWidget* ActiveTreeWidget() const;
+    bool IsEditingLabel() const;
+    void BeginLabelEdit();
+    void OnLabelEditEnded(bool upper, QTreeWidgetItem* row);
+    void ForgetRows(QTreeWidgetItem* row);
+    void DropTreeRows();
+
+    // Grid and picture (CatalogEditorGrid.cpp)
+    void ShowSelection(bool upper);
+    void ClearPicture();
+    void ShowPicture(const QImage& picture, int drawMode);
+    void UpgradeCurrentItem();
+
+    // Commands (CatalogEditorCommands.cpp)
+    void NewItemFromTemplate();
+    void AddNewItemRow(QTreeWidgetItem* parentRow, QTreeWidgetItem* expandRow,
+                       const boost::shared_ptr<ZEVGis::Data::CCatalogItem>& item);
+    void DeleteRootLevel(int which);
+    bool HandleTreeKey(QObject* tree, QKeyEvent* key);
+
+    QAbstractButton* Button(int id) const;
+
+    QString m_catalogReference;
+    int m_showHiddenCatalogs = 0;
+    bool m_initDone = false;
+    bool m_initOk = false;
+
+    CPropertyExGridCtrl m_grid;
+    bool m_gridCreated = false;
+    CPictureBox* m_pictureBox = nullptr;
+    int m_pictureDrawMode = 2;
+    CSplitterControl* m_splitter = nullptr;
+    CResizeAnchors* m_anchors = nullptr;
+    ZEVGis::Editor::TreeImageList m_images;
+
+    QComboBox* m_catalogCombo = nullptr;
+    QComboBox* m_templateCombo = nullptr;
+    ZEVGis::Editor::CatalogTreeWidget* m_drawingTree = nullptr; // 103
+    ZEVGis::Editor::CatalogTreeWidget* m_catalogTree = nullptr; // 114
+    std::map<int, QAbstractButton*> m_buttons;
+
+    std::vector<boost::shared_ptr<ZEVGis::Data::CCatalogItemTemplate>> m_templates;
+    int m_selectedCatalogIndex = -1;
+    QString m_groupIconName;
+    QString m_itemIconName;
+
+    QTreeWidgetItem* m_lowerRoot = nullptr;
+    ZEVGis::Editor::ItemRowMap m_itemRows; // lower tree, below its top level
+    int m_activeTree = 0;
+    ZEVGis::Data::CCatalogItem* m_currentItem = nullptr;
+    int m_readOnly = 0;
 };
