@@ -2,6 +2,7 @@
 
 #include "catalog/PropertiesEx.h"
 
+#include <QPointer>
 #include <QWidget>
 #include <boost/shared_ptr.hpp>
 
@@ -55,11 +56,18 @@ public:
     // The grid's widget (null before CreatePropertyGrid).
     QWidget* widget() const;
 
+    // The grid widget itself (null before CreatePropertyGrid), for tests and layout.
+    PropertyGridWidget* gridWidget() const { return m_widget; }
+
 private:
-    PropertyGridWidget* m_widget = nullptr;
+    void onUpdated(ZEVGis::Data::CPropertyEx* property);
+    void onSelected(ZEVGis::Data::CPropertyEx* property);
+
+    // Owned by its parent window; deleted with this object, which it calls back.
+    QPointer<PropertyGridWidget> m_widget;
     CCallbackItemSelChanged* m_change = nullptr;
     CCallbackItemUpdated* m_update = nullptr;
     int m_precision = 6;
     int m_readOnly = 0;
-    friend class PropertyGridWidget;
+    bool m_toolBarShown = false;
 };

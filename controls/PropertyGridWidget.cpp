@@ -1,0 +1,221 @@
+#include "controls/PropertyGridWidget.h"
+
+#include "catalog/DataBox.h"
+#include "controls/PropertyGridDelegate.h"
+#include "controls/PropertyGridModel.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QStyle>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+using ZEVGis::Data::CPropertyEx;
+using ZEVGis::Data::DataType;
+
+// ---------------------------------------------------------------------------------------
+// PropertyGridView
+
+PropertyGridView::PropertyGridView(QWidget* parent) : QTreeView(parent)
+{
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setAllColumnsShowFocus(true);
+    setRootIsDecorated(true);
+    setUniformRowHeights(true);
+    setIndentation(14);
+    setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked
+                    | QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
+    header()->hide();
+    header()->setStretchLastSection(true);
+}
+
+PropertyGridModel* PropertyGridView::gridModel() const
+{
+    return qobject_cast<PropertyGridModel*>(model());
+}
+
+void PropertyGridView::cancelEditing()
+{
+    if (state() != QAbstractItemView::EditingState)
+        return;
+    if (auto* delegate = qobject_cast<PropertyGridDelegate*>(itemDelegate()))
+        if (QWidget* editor = delegate->currentEditor())
+            closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
+}
+
+bool PropertyGridView::toggleBoolean(const QModelIndex& valueIndex)
+{
+    if (!(model()->flags(valueIndex) & Qt::ItemIsUserCheckable))
+        return false;
+    const bool on = valueIndex.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    return model()->setData(valueIndex, on ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+}
+
+bool PropertyGridView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event)
+{
+    PropertyGridModel* grid = gridModel();
+    if (!grid || !grid->propertyAt(index))
+        return QTreeView::edit(index, trigger, event);
+    const QModelIndex value = index.siblingAtColumn(PropertyGridModel::ValueColumn);
+    const bool isBool =
+        value.data(PropertyGridModel::ValueTypeRole).toInt() == int(DataType::Boolean);
+    // Keyboard edits and a double click on the caption toggle a yes/no value; clicks on its
+    // box and Space reach the delegate below.
+    if (isBool
+        && (trigger == EditKeyPressed
+            || (trigger == DoubleClicked && index.column() == PropertyGridModel::CaptionColumn)))
+        return toggleBoolean(value);
+    return QTreeView::edit(value, trigger, event);
+}
+
+void PropertyGridView::keyPressEvent(QKeyEvent* event)
+{
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (enter && state() != QAbstractItemView::EditingState && currentIndex().isValid()) {
+        const QModelIndex current = currentIndex();
+        if (gridModel() && gridModel()->propertyAt(current)) {
+            edit(current, EditKeyPressed, event);
+        } else {
+            const QModelIndex row = current.siblingAtColumn(0);
+            setExpanded(row, !isExpanded(row));
+        }
+        // Enter belongs to the grid, not to the dialog's default button.
+        event->accept();
+        return;
+    }
+    QTreeView::keyPressEvent(event);
+}
+
+void PropertyGridView::resizeEvent(QResizeEvent* event)
+{
+    QTreeView::resizeEvent(event);
+    header()->resizeSection(PropertyGridModel::CaptionColumn, viewport()->width() * 2 / 5);
+}
+
+// ---------------------------------------------------------------------------------------
+// PropertyGridWidget
+
+PropertyGridWidget::PropertyGridWidget(QWidget* parent) : QWidget(parent)
+{
+    m_model = new PropertyGridModel(this);
+    m_delegate = new PropertyGridDelegate(this);
+    m_view = new PropertyGridView(this);
+    m_view->setModel(m_model);
+    m_view->setItemDelegate(m_delegate);
+
+    m_toolBar = new QToolBar(this);
+    m_toolBar->setIconSize(QSize(16, 16));
+    auto* order = new QActionGroup(this);
+    m_categorizedAction = m_toolBar->addAction(style()->standardIcon(QStyle::SP_FileDialogDetailedView), QString());
+    m_alphabeticalAction = m_toolBar->addAction(style()->standardIcon(QStyle::SP_FileDialogListView), QString());
+    for (QAction* action : {m_categorizedAction, m_alphabeticalAction}) {
+        action->setCheckable(true);
+        order->addAction(action);
+    }
+    m_categorizedAction->setChecked(true);
+    connect(m_categorizedAction, &QAction::triggered, this, [this] { setCategorized(true); });
+    connect(m_alphabeticalAction, &QAction::triggered, this, [this] { setCategorized(false); });
+    m_toolBar->hide();
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_toolBar);
+    layout->addWidget(m_view, 1);
+    setFocusProxy(m_view);
+
+    connect(m_model, &PropertyGridModel::propertyChanged, this,
+            &PropertyGridWidget::propertyUpdated);
+    connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& current) { onCurrentChanged(current); });
+}
+
+PropertyGridWidget::~PropertyGridWidget() = default;
+
+void PropertyGridWidget::setProperties(boost::shared_ptr<ZEVGis::Data::CPropertiesEx> properties,
+                                       bool expandAll, bool keepSelection)
+{
+    const CPropertyEx* selected = currentProperty();
+    const QString selectedTag = keepSelection && selected ? selected->GetTag() : QString();
+    m_view->cancelEditing();
+    notifySelection(nullptr);
+    m_model->setProperties(std::move(properties));
+    if (expandAll)
+        m_view->expandAll();
+    if (!selectedTag.isEmpty()) {
+        const QModelIndex row = m_model->indexOfTag(selectedTag);
+        if (row.isValid())
+            m_view->setCurrentIndex(row);
+    }
+}
+
+void PropertyGridWidget::clear()
+{
+    setProperties({}, false, false);
+}
+
+void PropertyGridWidget::setReadOnly(bool readOnly)
+{
+    if (readOnly)
+        m_view->cancelEditing();
+    m_model->setReadOnly(readOnly);
+}
+
+bool PropertyGridWidget::isReadOnly() const
+{
+    return m_model->isReadOnly();
+}
+
+void PropertyGridWidget::setPrecision(int digits)
+{
+    m_model->setPrecision(digits);
+}
+
+void PropertyGridWidget::setToolBarVisible(bool visible)
+{
+    m_toolBar->setVisible(visible);
+}
+
+void PropertyGridWidget::setCategorized(bool categorized)
+{
+    (categorized ? m_categorizedAction : m_alphabeticalAction)->setChecked(true);
+    if (m_model->isCategorized() == categorized)
+        return;
+    const CPropertyEx* selected = currentProperty();
+    const QString tag = selected ? selected->GetTag() : QString();
+    m_view->cancelEditing();
+    m_model->setCategorized(categorized);
+    m_view->expandAll();
+    // The same property stays selected; the callback hears of it only if it changes.
+    const QModelIndex row = tag.isEmpty() ? QModelIndex() : m_model->indexOfTag(tag);
+    if (row.isValid())
+        m_view->setCurrentIndex(row);
+    else
+        notifySelection(nullptr);
+}
+
+bool PropertyGridWidget::isCategorized() const
+{
+    return m_model->isCategorized();
+}
+
+CPropertyEx* PropertyGridWidget::currentProperty() const
+{
+    return m_model->propertyAt(m_view->currentIndex());
+}
+
+void PropertyGridWidget::onCurrentChanged(const QModelIndex& current)
+{
+    notifySelection(m_model->propertyAt(current));
+}
+
+void PropertyGridWidget::notifySelection(CPropertyEx* property)
+{
+    if (property == m_notified)
+        return;
+    m_notified = property;
+    emit propertySelected(property);
+}
