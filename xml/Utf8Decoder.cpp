@@ -17,7 +17,7 @@ void AdviseLargePages(void* memory, size_t bytes)
     const uintptr_t first = (reinterpret_cast<uintptr_t>(memory) + page - 1) & ~(page - 1);
     const uintptr_t last = (reinterpret_cast<uintptr_t>(memory) + bytes) & ~(page - 1);
     if (last > first)
-        madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+        madvise(reinterpret_cast<void*>(first), size_t(last - first), MADV_HUGEPAGE);
 #else
     (void)memory, (void)bytes;
 #endif
@@ -102,15 +102,10 @@ const uint8_t* widenAscii(const uint8_t* p, const uint8_t* end, char16_t*& out)
 }
 } // namespace
 
-QString DecodeUtf8(const char* data, qsizetype size)
+char16_t* DecodeUtf8(const char* data, const char* dataEnd, char16_t* out)
 {
-    // One UTF-16 unit per byte at most; the guess is trimmed when it overshoots by much.
-    QString text(size, Qt::Uninitialized);
-    char16_t* const begin = reinterpret_cast<char16_t*>(text.data());
-    AdviseLargePages(begin, size_t(size) * sizeof(char16_t));
-    char16_t* out = begin;
     const auto* p = reinterpret_cast<const uint8_t*>(data);
-    const auto* end = p + size;
+    const auto* end = reinterpret_cast<const uint8_t*>(dataEnd);
     while (p < end)
     {
         p = widenAscii(p, end, out);
@@ -126,13 +121,32 @@ QString DecodeUtf8(const char* data, qsizetype size)
                                        QStringConverter::Flag::ConvertInitialBom);
             QChar* rest = decoder.appendToBuffer(reinterpret_cast<QChar*>(out),
                                                  QByteArrayView(p, end - p));
-            out = reinterpret_cast<char16_t*>(rest);
-            break;
+            return reinterpret_cast<char16_t*>(rest);
         }
         p += taken;
     }
-    text.truncate(out - begin);
-    if (text.capacity() - text.size() > text.size() / 8)
-        text.squeeze();
+    return out;
+}
+
+size_t CompleteUtf8Prefix(const char* data, size_t size)
+{
+    const auto* bytes = reinterpret_cast<const uint8_t*>(data);
+    // The last byte that can start a sequence, among the last four.
+    for (size_t back = 1; back <= 4 && back <= size; ++back)
+    {
+        const uint8_t byte = bytes[size - back];
+        if (isContinuation(byte))
+            continue;
+        const size_t needed = byte < 0xC0 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+        return needed > back ? size - back : size;
+    }
+    return size;
+}
+
+QString DecodeUtf8(const char* data, qsizetype size)
+{
+    QString text(size, Qt::Uninitialized);
+    char16_t* const begin = reinterpret_cast<char16_t*>(text.data());
+    text.truncate(DecodeUtf8(data, data + size, begin) - begin);
     return text;
 }

@@ -9,9 +9,9 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <new>
 
-#include <sys/mman.h>
 #include <sys/stat.h>
 
 namespace
@@ -21,8 +21,43 @@ QString systemError(int code)
     return QString::fromLocal8Bit(std::strerror(code));
 }
 
-// The whole file as UTF-16 text. The file is mapped when it can be (no copy of its bytes),
-// else read. Returns 0 or an errno value.
+// Decodes the file block by block into a text of the largest size it can have, so that its
+// bytes are never held whole; a sequence cut by a block's end waits for the next block.
+// Returns 0 or an errno value.
+int decodeFile(FILE* file, qsizetype size, QString& text, qsizetype& byteCount)
+{
+    constexpr size_t Block = 256 * 1024;
+    text = QString(size, Qt::Uninitialized);
+    char16_t* const begin = reinterpret_cast<char16_t*>(text.data());
+    AdviseLargePages(begin, size_t(size) * sizeof(char16_t));
+    char16_t* out = begin;
+    std::unique_ptr<char[]> buffer(new char[Block + 4]);
+    size_t carried = 0;
+    byteCount = 0;
+    for (;;)
+    {
+        // Never more than the size taken at the start: the text has room for no more.
+        const size_t wanted = std::min<size_t>(Block, size_t(size - byteCount));
+        const size_t got = wanted ? std::fread(buffer.get() + carried, 1, wanted, file) : 0;
+        if (got < wanted && std::ferror(file))
+            return errno ? errno : EIO;
+        byteCount += qsizetype(got);
+        const size_t held = carried + got;
+        const bool last = got < wanted || byteCount == size;
+        const size_t complete = last ? held : CompleteUtf8Prefix(buffer.get(), held);
+        out = DecodeUtf8(buffer.get(), buffer.get() + complete, out);
+        carried = held - complete;
+        std::memmove(buffer.get(), buffer.get() + complete, carried);
+        if (last)
+            break;
+    }
+    text.truncate(out - begin);
+    if (text.capacity() - text.size() > text.size() / 8)
+        text.squeeze(); // mostly multi-byte text: give back what the guess overshot
+    return 0;
+}
+
+// The whole file as UTF-16 text. Returns 0 or an errno value.
 int readUtf8File(FILE* file, QString& text, qsizetype& byteCount)
 {
     struct stat info;
@@ -40,23 +75,7 @@ int readUtf8File(FILE* file, QString& text, qsizetype& byteCount)
     text = QString();
     if (size == 0)
         return 0;
-
-    void* mapped = mmap(nullptr, size_t(size), PROT_READ, MAP_PRIVATE, fileno(file), 0);
-    if (mapped != MAP_FAILED)
-    {
-        madvise(mapped, size_t(size), MADV_SEQUENTIAL);
-        text = DecodeUtf8(static_cast<const char*>(mapped), qsizetype(size));
-        munmap(mapped, size_t(size));
-        byteCount = qsizetype(size);
-        return 0;
-    }
-    QByteArray bytes(qsizetype(size), Qt::Uninitialized);
-    const size_t got = std::fread(bytes.data(), 1, size_t(size), file);
-    if (got < size_t(size) && std::ferror(file))
-        return errno ? errno : EIO;
-    text = DecodeUtf8(bytes.constData(), qsizetype(got));
-    byteCount = qsizetype(got);
-    return 0;
+    return decodeFile(file, qsizetype(size), text, byteCount);
 }
 } // namespace
 

@@ -95,6 +95,9 @@ int CXmlDocument::ElementLoop::Run()
     const CXmlScanner scanner(m_text, int32_t(m_doc.m_text.size()));
     for (int32_t pos = 0;;)
     {
+        // Whitespace makes no token of its own here: what follows it is scanned at once.
+        if (CXmlScanner::IsSpace(m_text[pos]))
+            pos = scanner.SkipSpaces(pos);
         const XmlTokenPos token = scanner.Next(pos);
         pos = token.End();
         switch (token.type)
@@ -207,7 +210,6 @@ int CXmlDocument::ElementLoop::findOpen(const XmlTokenPos& endTag) const
 {
     const int32_t length = endTag.nameLength;
     const QStringView wanted = name(endTag.nameStart, length);
-    const Qt::CaseSensitivity sensitivity = m_ignoreCase ? Qt::CaseInsensitive : Qt::CaseSensitive;
     for (int i = m_depth - 1; i >= 0; --i)
     {
         const XmlTokenPos& open = m_stack[i].token;
@@ -219,7 +221,8 @@ int CXmlDocument::ElementLoop::findOpen(const XmlTokenPos& endTag) const
             if (next != u' ' && next != u'=' && next != u'/' && next != u'[' && next != u']')
                 continue;
         }
-        if (name(open.nameStart, length).compare(wanted, sensitivity) == 0)
+        if (m_ignoreCase ? name(open.nameStart, length).compare(wanted, Qt::CaseInsensitive) == 0
+                         : std::equal(wanted.begin(), wanted.end(), m_text + open.nameStart))
             return i;
     }
     return -1;

@@ -74,6 +74,12 @@ public:
         return textOrWhitespace(pos);
     }
 
+    // The offset of the first character at or after pos that is not whitespace.
+    int32_t SkipSpaces(int32_t pos) const
+    {
+        return int32_t(XmlCharSearch::SkipSpaces(m_s + pos, m_end) - m_s);
+    }
+
     // The message of an error token, as the result text shows it.
     static QString Message(const XmlTokenPos& token);
 

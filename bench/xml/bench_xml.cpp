@@ -10,6 +10,7 @@
 #include <expat.h>
 #include <pugixml.hpp>
 
+#include <algorithm>
 #include <cstdlib>
 #include <unistd.h>
 #include <filesystem>
@@ -164,6 +165,12 @@ void expat(benchmark::State& state, const Sample* sample)
     setCounters(state, *sample, double(tracked::peak - before), double(elements));
 }
 
+// Other work on the machine only ever adds time: the fastest run is the steadiest figure.
+double fastest(const std::vector<double>& values)
+{
+    return *std::min_element(values.begin(), values.end());
+}
+
 std::string readAll(const std::string& path)
 {
     std::ifstream in(path, std::ios::binary);
@@ -191,13 +198,17 @@ int main(int argc, char** argv)
     {
         const std::string size = std::to_string(sample.bytes.size() / 1000000) + "MB";
         benchmark::RegisterBenchmark(("CXmlDocument LoadFile/" + size).c_str(), ours, &sample)
-            ->Unit(benchmark::kMillisecond);
+            ->Unit(benchmark::kMillisecond)
+            ->ComputeStatistics("min", fastest);
         benchmark::RegisterBenchmark(("CXmlDocument parse only/" + size).c_str(), oursParseOnly, &sample)
-            ->Unit(benchmark::kMillisecond);
+            ->Unit(benchmark::kMillisecond)
+            ->ComputeStatistics("min", fastest);
         benchmark::RegisterBenchmark(("pugixml load_buffer/" + size).c_str(), pugiLoad, &sample)
-            ->Unit(benchmark::kMillisecond);
+            ->Unit(benchmark::kMillisecond)
+            ->ComputeStatistics("min", fastest);
         benchmark::RegisterBenchmark(("expat XML_Parse/" + size).c_str(), expat, &sample)
-            ->Unit(benchmark::kMillisecond);
+            ->Unit(benchmark::kMillisecond)
+            ->ComputeStatistics("min", fastest);
     }
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

@@ -147,6 +147,22 @@ void TestXmlDocument::verdicts_data()
     row("empty after quote", "<a x='1'/>", 0, true, "");
     row("unquoted value before /", "<a x=1/>", 0, false, "Element 'a' at offset 0 not ended");
 
+    // Tags longer than the scanner's 16-character blocks
+    row("long tag, > in values", "<r><Item guid=\"{8F2A6C1E-0000-1111}\" name=\"a>b c>d\" note='x\">'"
+        " flag=\"1\"/></r>", 0, true, "");
+    row("long tag, quote ends in next block", "<r><Property tag=\"R20\" type=\"double\" "
+        "value=\"0.206\" note=\"a > b\"/><Property tag=\"X\" value=\"1\"></r>", 0, false,
+        "End tag 'r' at offset 94 does not match start tag 'Property' at offset 65");
+    row("long name", "<r><ElementNameLongerThanSixteen x=\"1\"/></r>", 0, true, "");
+    row("long tag, unquoted value before /", "<r><Property tag=\"R20\" value=12/></r>", 0, false,
+        "End tag 'r' at offset 34 does not match start tag 'Property' at offset 3");
+    row("long tag, open quote", "<r><Item guid=\"{8F2A6C1E-0000}\" name=\"abc></r>      ", 0, false,
+        "Element tag at offset 3 unterminated");
+    row("long tag, 0 inside", QString::fromUtf16(u"<r><Item guid=\"{8F2A6C1E-0000}\"\0 n=\"x\"/></r>", 44),
+        0, false, "Element tag at offset 3 unterminated");
+    row("long end tag name", "<ElementNameLongerThanSixteen></ElementNameLongerThanSixteen   >", 0,
+        true, "");
+
     // Other markup
     row("cdata hides tags", "<r><![CDATA[<b>]]></r>", 0, true, "");
     row("comment hides tags", "<r><!-- <b> --></r>", 0, true, "");
