@@ -99,7 +99,6 @@ struct TagWindow
     unsigned doubleQuote;
     unsigned otherStop; // single quote or 0: the fast tag path leaves those to the plain search
     unsigned greater;
-    unsigned nameStop; // " \t\n\r/>" or 0
 };
 
 inline unsigned bits(__m128i low, __m128i high)
@@ -111,27 +110,25 @@ inline TagWindow LoadTagWindow(const char16_t* p)
 {
     const __m128i a = load(p);
     const __m128i b = load(p + 8);
-    const __m128i gtA = equal(a, u'>'), gtB = equal(b, u'>');
-    const __m128i zeroA = equal(a, 0), zeroB = equal(b, 0);
-    const __m128i spaceA = equal(a, u' ') | equal(a, u'\t') | equal(a, u'\n') | equal(a, u'\r');
-    const __m128i spaceB = equal(b, u' ') | equal(b, u'\t') | equal(b, u'\n') | equal(b, u'\r');
     TagWindow w;
     w.doubleQuote = bits(equal(a, u'"'), equal(b, u'"'));
-    w.otherStop = bits(equal(a, u'\'') | zeroA, equal(b, u'\'') | zeroB);
-    w.greater = bits(gtA, gtB);
-    w.nameStop = bits(spaceA | gtA | zeroA | equal(a, u'/'), spaceB | gtB | zeroB | equal(b, u'/'));
+    w.otherStop = bits(equal(a, u'\'') | equal(a, 0), equal(b, u'\'') | equal(b, 0));
+    w.greater = bits(equal(a, u'>'), equal(b, u'>'));
     return w;
 }
 
-// Name delimiters " \t\n\r/>" and 0 among the 16 units from p. Only for p + 16 <= end.
-inline unsigned NameStops(const char16_t* p)
+// Candidates for the end of a name among the 16 units from p: '/', '>' and every unit up to
+// ' ' (the name delimiters " \t\n\r" and 0 among them; other control characters are false
+// candidates that the caller must tell apart). Only for p + 16 <= end.
+inline unsigned NameStopCandidates(const char16_t* p)
 {
+    const __m128i space = _mm_set1_epi16(0x20);
+    const __m128i zero = _mm_setzero_si128();
     const __m128i a = load(p);
     const __m128i b = load(p + 8);
-    return bits(equal(a, u' ') | equal(a, u'\t') | equal(a, u'\n') | equal(a, u'\r') |
-                    equal(a, u'/') | equal(a, u'>') | equal(a, 0),
-                equal(b, u' ') | equal(b, u'\t') | equal(b, u'\n') | equal(b, u'\r') |
-                    equal(b, u'/') | equal(b, u'>') | equal(b, 0));
+    const __m128i lowA = _mm_cmpeq_epi16(_mm_subs_epu16(a, space), zero);
+    const __m128i lowB = _mm_cmpeq_epi16(_mm_subs_epu16(b, space), zero);
+    return bits(lowA | equal(a, u'/') | equal(a, u'>'), lowB | equal(b, u'/') | equal(b, u'>'));
 }
 
 // Bit i set when unit i lies inside a double-quoted value (its opening quote included), given

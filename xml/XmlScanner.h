@@ -106,8 +106,13 @@ private:
     {
 #if defined(__SSE2__)
         if (XmlCharSearch::UseBlocks && m_end - m_s - i >= 16)
-            if (const unsigned stops = XmlCharSearch::NameStops(m_s + i))
-                return i + __builtin_ctz(stops);
+            if (const unsigned stops = XmlCharSearch::NameStopCandidates(m_s + i))
+            {
+                const int32_t stop = i + __builtin_ctz(stops);
+                if (m_s[stop] > u' ' || m_s[stop] == 0 || IsSpace(m_s[stop]))
+                    return stop;
+                i = stop; // a control character inside the name
+            }
 #endif
         for (;; ++i)
         {
@@ -187,10 +192,14 @@ private:
         const char16_t* p = m_s + pos + 1;
         if (!UseBlocks || m_end - p < 16)
             return false;
-        TagWindow w = LoadTagWindow(p);
-        if (!w.nameStop)
+        const unsigned stops = NameStopCandidates(p);
+        if (!stops)
             return false;
-        const int nameLength = __builtin_ctz(w.nameStop);
+        const int nameLength = __builtin_ctz(stops);
+        const char16_t stop = p[nameLength];
+        if (stop <= u' ' && stop != 0 && !IsSpace(stop))
+            return false;
+        TagWindow w = LoadTagWindow(p);
         unsigned from = (0xFFFFu << nameLength) & 0xFFFF;
         bool inside = false;
         for (;;)
