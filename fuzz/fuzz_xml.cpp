@@ -29,8 +29,14 @@ QString dumpIndex(const CXmlDocument& doc)
     {
         const ElementPos& e = doc.Record(i);
         dump += QStringLiteral("%1 %2 %3 %4 %5 %6 %7 %8\n")
-                    .arg(e.start).arg(e.length).arg(e.tagLengths).arg(e.flags)
-                    .arg(e.parent).arg(e.firstChild).arg(e.nextSibling).arg(e.prevSibling);
+                    .arg(e.start)
+                    .arg(e.length)
+                    .arg(e.tagLengths)
+                    .arg(e.flags)
+                    .arg(e.parent)
+                    .arg(e.firstChild)
+                    .arg(e.nextSibling)
+                    .arg(e.prevSibling);
     }
     return dump;
 }
@@ -78,6 +84,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     XmlCharSearch::UseBlocks = true;
     if (plainWellFormed != wellFormed || plain.GetResult() != doc.GetResult() ||
         dumpIndex(plain) != dumpIndex(doc))
-        fail("block searches differ from plain ones", doc.GetResult() + QStringLiteral(" / ") + plain.GetResult());
+        fail("block searches differ from plain ones",
+             doc.GetResult() + QStringLiteral(" / ") + plain.GetResult());
     return 0;
 }

@@ -119,8 +119,8 @@ char16_t* DecodeUtf8(const char* data, const char* dataEnd, char16_t* out)
             QStringDecoder decoder(QStringConverter::Utf8,
                                    QStringConverter::Flag::Stateless |
                                        QStringConverter::Flag::ConvertInitialBom);
-            QChar* rest = decoder.appendToBuffer(reinterpret_cast<QChar*>(out),
-                                                 QByteArrayView(p, end - p));
+            QChar* rest =
+                decoder.appendToBuffer(reinterpret_cast<QChar*>(out), QByteArrayView(p, end - p));
             return reinterpret_cast<char16_t*>(rest);
         }
         p += taken;

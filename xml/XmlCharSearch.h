@@ -79,8 +79,8 @@ inline const char16_t* SkipSpaces(const char16_t* p, const char16_t* end)
     for (; UseBlocks && end - p >= 8; p += 8)
     {
         const __m128i block = load(p);
-        const __m128i spaces = equal(block, u' ') | equal(block, u'\t') | equal(block, u'\n') |
-                               equal(block, u'\r');
+        const __m128i spaces =
+            equal(block, u' ') | equal(block, u'\t') | equal(block, u'\n') | equal(block, u'\r');
         const int other = ~_mm_movemask_epi8(spaces) & 0xFFFF;
         if (other)
             return p + __builtin_ctz(unsigned(other)) / 2;

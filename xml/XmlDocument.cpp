@@ -218,7 +218,8 @@ void CXmlDocument::reserveRecords(int32_t wanted)
 void CXmlDocument::growRecords()
 {
     const int64_t used = m_nextFreeRecord;
-    reserveRecords(int32_t(std::min<int64_t>(used + used / 2, std::numeric_limits<int32_t>::max())));
+    reserveRecords(
+        int32_t(std::min<int64_t>(used + used / 2, std::numeric_limits<int32_t>::max())));
 }
 
 // Reallocates a partial segment, copying the records in use.

@@ -189,9 +189,9 @@ void CXmlDocument::ElementLoop::endElement(const XmlTokenPos& token)
     {
         markError();
         if (m_doc.m_result.isEmpty())
-            m_doc.m_result = QStringLiteral("No start tag for end tag '%1' at offset %2")
-                                 .arg(name(token.nameStart, token.nameLength),
-                                      QString::number(token.start));
+            m_doc.m_result =
+                QStringLiteral("No start tag for end tag '%1' at offset %2")
+                    .arg(name(token.nameStart, token.nameLength), QString::number(token.start));
         return;
     }
     if (match < m_depth - 1)

@@ -140,5 +140,7 @@ QString CXmlScanner::Message(const XmlTokenPos& token)
     }
     if (text)
         return QString::fromLatin1(text).arg(token.start);
-    return QStringLiteral("%1 at offset %2 unterminated").arg(QLatin1String(label)).arg(token.start);
+    return QStringLiteral("%1 at offset %2 unterminated")
+        .arg(QLatin1String(label))
+        .arg(token.start);
 }

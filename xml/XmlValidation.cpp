@@ -13,6 +13,7 @@ XmlFileCheck CheckXmlFile(CXmlDocument& doc, const QString& path)
 QString FormatXmlFileCheck(const QString& path, const XmlFileCheck& check)
 {
     return QStringLiteral("%1: %2 (%3)")
-        .arg(path, check.wellFormed ? QStringLiteral("well formed") : QStringLiteral("not well formed"),
+        .arg(path,
+             check.wellFormed ? QStringLiteral("well formed") : QStringLiteral("not well formed"),
              check.result);
 }

@@ -8,12 +8,16 @@ namespace
 class Generator
 {
 public:
-    explicit Generator(size_t targetBytes) : m_target(targetBytes) { m_out.reserve(targetBytes + 4096); }
+    explicit Generator(size_t targetBytes) : m_target(targetBytes)
+    {
+        m_out.reserve(targetBytes + 4096);
+    }
 
     std::string Catalog()
     {
         m_out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                 "<Catalog reference=\"KABELI_SN\" name=\"Kabeli srednjeg napona — vodiči\" version=\"7\">\n";
+                 "<Catalog reference=\"KABELI_SN\" name=\"Kabeli srednjeg napona — vodiči\" "
+                 "version=\"7\">\n";
         for (int group = 1; m_out.size() < m_target; ++group)
             Group(1, group);
         m_out += "</Catalog>\n";
@@ -57,8 +61,9 @@ private:
 
     void Item(int level, int ord)
     {
-        static const char* const cables[] = {"Kabel NA2XS(F)2Y 1x150 — čćžšđ", "Kabel XHE 49-A 3x(1x240)",
-                                             "Vod Al/Če 95/15 — ČĆŽŠĐ", "Kabel NA2XS2Y 1x240/25 12/20 kV"};
+        static const char* const cables[] = {"Kabel NA2XS(F)2Y 1x150 — čćžšđ",
+                                             "Kabel XHE 49-A 3x(1x240)", "Vod Al/Če 95/15 — ČĆŽŠĐ",
+                                             "Kabel NA2XS2Y 1x240/25 12/20 kV"};
         indent(level);
         m_out += "<Item guid=\"";
         guid();
@@ -76,7 +81,8 @@ private:
 
     void Category(int level, const char* name, int properties)
     {
-        static const char* const tags[] = {"R20", "X", "C", "Ith", "Un", "Masa", "Promjer", "Napomena"};
+        static const char* const tags[] = {"R20", "X",    "C",       "Ith",
+                                           "Un",  "Masa", "Promjer", "Napomena"};
         indent(level);
         m_out += "<Category name=\"";
         m_out += name;
@@ -90,7 +96,8 @@ private:
             if (v % 8 == 7)
                 m_out += "\" type=\"string\" value=\"Položen u zemlju, dubina 0,8 m\"/>\n";
             else
-                m_out += "\" type=\"double\" value=\"" + std::to_string((v % 100000) / 1000.0) + "\"/>\n";
+                m_out += "\" type=\"double\" value=\"" + std::to_string((v % 100000) / 1000.0) +
+                         "\"/>\n";
         }
         indent(level);
         m_out += "</Category>\n";

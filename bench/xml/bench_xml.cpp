@@ -12,11 +12,11 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <unistd.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace
@@ -66,7 +66,10 @@ void* reallocate(void* pointer, size_t size)
     peak = std::max(peak, current);
     return grown + Header;
 }
-void resetPeak() { peak = current; }
+void resetPeak()
+{
+    peak = current;
+}
 } // namespace tracked
 
 void setCounters(benchmark::State& state, const Sample& sample, double memoryBytes, double elements)
@@ -107,7 +110,8 @@ void oursParseOnly(benchmark::State& state, const Sample* sample)
             state.SkipWithError("not well formed");
         benchmark::DoNotOptimize(doc.RecordCount());
     }
-    const double memory = double(text.capacity()) * 2 + double(doc.RecordCapacity()) * sizeof(ElementPos);
+    const double memory =
+        double(text.capacity()) * 2 + double(doc.RecordCapacity()) * sizeof(ElementPos);
     setCounters(state, *sample, memory, doc.RecordCount() - 1);
 }
 
@@ -139,12 +143,13 @@ void XMLCALL endElement(void*, const XML_Char*) {}
 
 bool expatParse(const Sample& sample, size_t& elements)
 {
-    static const XML_Memory_Handling_Suite memory{tracked::allocate, tracked::reallocate, tracked::release};
+    static const XML_Memory_Handling_Suite memory{tracked::allocate, tracked::reallocate,
+                                                  tracked::release};
     XML_Parser parser = XML_ParserCreate_MM(nullptr, &memory, nullptr);
     XML_SetUserData(parser, &elements);
     XML_SetElementHandler(parser, countElement, endElement);
-    const bool ok = XML_Parse(parser, sample.bytes.data(), int(sample.bytes.size()), XML_TRUE) ==
-                    XML_STATUS_OK;
+    const bool ok =
+        XML_Parse(parser, sample.bytes.data(), int(sample.bytes.size()), XML_TRUE) == XML_STATUS_OK;
     XML_ParserFree(parser);
     return ok;
 }
@@ -184,12 +189,14 @@ int main(int argc, char** argv)
     pugi::set_memory_management_functions(tracked::allocate, tracked::release);
 
     namespace fs = std::filesystem;
-    const fs::path dir = fs::temp_directory_path() / ("zevx-bench-xml-" + std::to_string(::getpid()));
+    const fs::path dir =
+        fs::temp_directory_path() / ("zevx-bench-xml-" + std::to_string(::getpid()));
     fs::create_directories(dir);
     std::vector<Sample> samples;
     for (const int megabytes : {1, 10, 100})
     {
-        const std::string path = (dir / ("catalog-" + std::to_string(megabytes) + "MB.xml")).string();
+        const std::string path =
+            (dir / ("catalog-" + std::to_string(megabytes) + "MB.xml")).string();
         if (!WriteCatalogFile(path, size_t(megabytes) * 1000 * 1000))
             return 1;
         samples.push_back(Sample{path, readAll(path)});
@@ -200,7 +207,8 @@ int main(int argc, char** argv)
         benchmark::RegisterBenchmark(("CXmlDocument LoadFile/" + size).c_str(), ours, &sample)
             ->Unit(benchmark::kMillisecond)
             ->ComputeStatistics("min", fastest);
-        benchmark::RegisterBenchmark(("CXmlDocument parse only/" + size).c_str(), oursParseOnly, &sample)
+        benchmark::RegisterBenchmark(("CXmlDocument parse only/" + size).c_str(), oursParseOnly,
+                                     &sample)
             ->Unit(benchmark::kMillisecond)
             ->ComputeStatistics("min", fastest);
         benchmark::RegisterBenchmark(("pugixml load_buffer/" + size).c_str(), pugiLoad, &sample)

@@ -15,7 +15,9 @@ inline QString XmlIndexProblem(const CXmlDocument& doc)
     const int count = doc.RecordCount();
     const qsizetype textLength = doc.GetDocumentText().size();
     if (count < 1 || count > doc.RecordCapacity())
-        return QStringLiteral("record count %1 outside capacity %2").arg(count).arg(doc.RecordCapacity());
+        return QStringLiteral("record count %1 outside capacity %2")
+            .arg(count)
+            .arg(doc.RecordCapacity());
     std::vector<char> seen(size_t(count), 0);
     int linked = 0;
     for (int p = 0; p < count; ++p)
@@ -27,17 +29,26 @@ inline QString XmlIndexProblem(const CXmlDocument& doc)
         for (int c = first; c; c = doc.Record(c).nextSibling)
         {
             if (c < 0 || c >= count || seen[size_t(c)])
-                return QStringLiteral("record %1: child %2 out of range or linked twice").arg(p).arg(c);
+                return QStringLiteral("record %1: child %2 out of range or linked twice")
+                    .arg(p)
+                    .arg(c);
             seen[size_t(c)] = 1;
             ++linked;
             const ElementPos& e = doc.Record(c);
             if (e.parent != p)
-                return QStringLiteral("record %1: parent %2, expected %3").arg(c).arg(e.parent).arg(p);
+                return QStringLiteral("record %1: parent %2, expected %3")
+                    .arg(c)
+                    .arg(e.parent)
+                    .arg(p);
             if (e.Has(ElementPos::FirstSibling) != (c == first))
                 return QStringLiteral("record %1: first-sibling flag wrong").arg(c);
             if (c != first && e.prevSibling != previous)
-                return QStringLiteral("record %1: previous %2, expected %3").arg(c).arg(e.prevSibling).arg(previous);
-            if (e.start < 0 || e.length < e.StartTagLength() || e.start + qsizetype(e.length) > textLength)
+                return QStringLiteral("record %1: previous %2, expected %3")
+                    .arg(c)
+                    .arg(e.prevSibling)
+                    .arg(previous);
+            if (e.start < 0 || e.length < e.StartTagLength() ||
+                e.start + qsizetype(e.length) > textLength)
                 return QStringLiteral("record %1: outside the text").arg(c);
             if (doc.GetDocumentText().at(e.start) != u'<')
                 return QStringLiteral("record %1: does not start at '<'").arg(c);

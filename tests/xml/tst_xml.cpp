@@ -87,7 +87,8 @@ void TestXmlDocument::verdicts_data()
     QTest::addColumn<bool>("wellFormed");
     QTest::addColumn<QString>("result");
     const unsigned ic = CXmlDocument::IgnoreCase;
-    auto row = [](const char* name, const QString& text, unsigned flags, bool ok, const char* result)
+    auto row =
+        [](const char* name, const QString& text, unsigned flags, bool ok, const char* result)
     { QTest::newRow(name) << text << flags << ok << QString::fromUtf8(result); };
 
     // Document level
@@ -98,8 +99,10 @@ void TestXmlDocument::verdicts_data()
     row("end tag only", "</a>", 0, false, "No root element");
     row("bad tag only", "<1a/>", 0, false, "No root element");
     row("empty element", "<a/>", 0, true, "");
-    row("full document", "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!-- c -->\n"
-        "<a x=\"1\" y='2'>\n  <b>t&amp;t</b><c/><![CDATA[<d>]]><?p <e>?>\n</a>\n", 0, true, "");
+    row("full document",
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!-- c -->\n"
+        "<a x=\"1\" y='2'>\n  <b>t&amp;t</b><c/><![CDATA[<d>]]><?p <e>?>\n</a>\n",
+        0, true, "");
     row("byte-order mark", QStringLiteral("\uFEFF<a/>"), 0, true, "");
     row("root sibling", "<a/><b/>", 0, false, "Root element has sibling");
     row("root sibling after end", "<a></a ><b/>", 0, false, "Root element has sibling");
@@ -139,7 +142,8 @@ void TestXmlDocument::verdicts_data()
     row("name start -", "<r><-></r>", 0, false, "Incorrect tag name character at offset 3");
     row("name start @", "<r><@/></r>", 0, false, "Incorrect tag name character at offset 3");
     row("name start ^", "<r><^/></r>", 0, false, "Incorrect tag name character at offset 3");
-    row("name start backquote", "<r><`/></r>", 0, false, "Incorrect tag name character at offset 3");
+    row("name start backquote", "<r><`/></r>", 0, false,
+        "Incorrect tag name character at offset 3");
     row("name start <", "<r><<b/></r>", 0, false, "Incorrect tag name character at offset 3");
     row("quoted >", "<a x='>' y=\">\"/>", 0, true, "");
     row("other quote is plain", "<a x=\"'>\" y='\">'></a>", 0, true, "");
@@ -148,18 +152,22 @@ void TestXmlDocument::verdicts_data()
     row("unquoted value before /", "<a x=1/>", 0, false, "Element 'a' at offset 0 not ended");
 
     // Tags longer than the scanner's 16-character blocks
-    row("long tag, > in values", "<r><Item guid=\"{8F2A6C1E-0000-1111}\" name=\"a>b c>d\" note='x\">'"
-        " flag=\"1\"/></r>", 0, true, "");
-    row("long tag, quote ends in next block", "<r><Property tag=\"R20\" type=\"double\" "
-        "value=\"0.206\" note=\"a > b\"/><Property tag=\"X\" value=\"1\"></r>", 0, false,
-        "End tag 'r' at offset 94 does not match start tag 'Property' at offset 65");
+    row("long tag, > in values",
+        "<r><Item guid=\"{8F2A6C1E-0000-1111}\" name=\"a>b c>d\" note='x\">'"
+        " flag=\"1\"/></r>",
+        0, true, "");
+    row("long tag, quote ends in next block",
+        "<r><Property tag=\"R20\" type=\"double\" "
+        "value=\"0.206\" note=\"a > b\"/><Property tag=\"X\" value=\"1\"></r>",
+        0, false, "End tag 'r' at offset 94 does not match start tag 'Property' at offset 65");
     row("long name", "<r><ElementNameLongerThanSixteen x=\"1\"/></r>", 0, true, "");
     row("long tag, unquoted value before /", "<r><Property tag=\"R20\" value=12/></r>", 0, false,
         "End tag 'r' at offset 34 does not match start tag 'Property' at offset 3");
     row("long tag, open quote", "<r><Item guid=\"{8F2A6C1E-0000}\" name=\"abc></r>      ", 0, false,
         "Element tag at offset 3 unterminated");
-    row("long tag, 0 inside", QString::fromUtf16(u"<r><Item guid=\"{8F2A6C1E-0000}\"\0 n=\"x\"/></r>", 44),
-        0, false, "Element tag at offset 3 unterminated");
+    row("long tag, 0 inside",
+        QString::fromUtf16(u"<r><Item guid=\"{8F2A6C1E-0000}\"\0 n=\"x\"/></r>", 44), 0, false,
+        "Element tag at offset 3 unterminated");
     row("long end tag name", "<ElementNameLongerThanSixteen></ElementNameLongerThanSixteen   >", 0,
         true, "");
 
@@ -169,7 +177,8 @@ void TestXmlDocument::verdicts_data()
     row("pi hides tags", "<r><?p <b> ?></r>", 0, true, "");
     row("shortest comment", "<!--><r/>", 0, true, "");
     row("shortest pi", "<r><?></r>", 0, true, "");
-    row("doctype with subset", "<!DOCTYPE r [<!ENTITY e \"x>y\"><!ELEMENT r ANY>]><r/>", 0, true, "");
+    row("doctype with subset", "<!DOCTYPE r [<!ENTITY e \"x>y\"><!ELEMENT r ANY>]><r/>", 0, true,
+        "");
     row("declaration", "<r><!ATTLIST r a CDATA '>'></r>", 0, true, "");
     row("bad comment", "<r><!-x></r>", 0, false, "Incorrect comment tag at offset 3");
     row("bad cdata", "<r><![x]></r>", 0, false, "Incorrect tag at offset 3");
@@ -178,11 +187,14 @@ void TestXmlDocument::verdicts_data()
     // Unterminated tokens
     row("unterminated start tag", "<r><b x='1", 0, false, "Element tag at offset 3 unterminated");
     row("unterminated end tag", "<r></r", 0, false, "Element end tag at offset 3 unterminated");
-    row("unterminated cdata", "<r><![CDATA[x]>", 0, false, "CDATA Section at offset 3 unterminated");
+    row("unterminated cdata", "<r><![CDATA[x]>", 0, false,
+        "CDATA Section at offset 3 unterminated");
     row("unterminated pi", "<r><?p", 0, false, "Processing instruction at offset 3 unterminated");
     row("unterminated comment", "<r><!-- x ->", 0, false, "Comment at offset 3 unterminated");
-    row("unterminated doctype", "<r><!DOCTYPE x [<!ENTITY e 'v'>]", 0, false, "Doctype at offset 3 unterminated");
-    row("unterminated declaration", "<r><!ENTITY e '>", 0, false, "Doctype at offset 3 unterminated");
+    row("unterminated doctype", "<r><!DOCTYPE x [<!ENTITY e 'v'>]", 0, false,
+        "Doctype at offset 3 unterminated");
+    row("unterminated declaration", "<r><!ENTITY e '>", 0, false,
+        "Doctype at offset 3 unterminated");
     row("lone <", "<r><", 0, false, "tag at offset 3 unterminated");
     row("bad bang at end", "<r><!", 0, false, "tag at offset 3 unterminated");
 }
@@ -208,36 +220,31 @@ void TestXmlDocument::index_data()
     QTest::addColumn<QStringList>("records");
 
     QTest::newRow("nested") << QStringLiteral("<a><b/><c></c></a>")
-                            << QStringList{"0 18 0/0 L0 - p0 c1 n0 v0",
-                                           "0 18 3/4 L0 F p0 c2 n0 v1",
-                                           "3 4 4/0 L1 F p1 c0 n3 v3",
-                                           "7 7 3/4 L1 - p1 c0 n0 v2"};
+                            << QStringList{"0 18 0/0 L0 - p0 c1 n0 v0", "0 18 3/4 L0 F p0 c2 n0 v1",
+                                           "3 4 4/0 L1 F p1 c0 n3 v3", "7 7 3/4 L1 - p1 c0 n0 v2"};
     // b and c are handed up from the unended a and follow it under r.
-    QTest::newRow("lifted on mismatch") << QStringLiteral("<r><a><b/><c/></r>")
-                                        << QStringList{"0 18 0/0 L0 I p0 c1 n0 v0",
-                                                       "0 18 3/4 L0 F p0 c2 n0 v1",
-                                                       "3 3 3/0 L1 FU p1 c0 n3 v4",
-                                                       "6 4 4/0 L2 - p1 c0 n4 v2",
-                                                       "10 4 4/0 L2 - p1 c0 n0 v3"};
+    QTest::newRow("lifted on mismatch")
+        << QStringLiteral("<r><a><b/><c/></r>")
+        << QStringList{"0 18 0/0 L0 I p0 c1 n0 v0", "0 18 3/4 L0 F p0 c2 n0 v1",
+                       "3 3 3/0 L1 FU p1 c0 n3 v4", "6 4 4/0 L2 - p1 c0 n4 v2",
+                       "10 4 4/0 L2 - p1 c0 n0 v3"};
     // At the end of the text every open element is unended; all end up flat under the document.
-    QTest::newRow("lifted at end") << QStringLiteral("<a><b><c/><d><e/>")
-                                   << QStringList{"0 17 0/0 L0 I p0 c1 n0 v0",
-                                                  "0 3 3/0 L0 FU p0 c0 n2 v5",
-                                                  "3 3 3/0 L1 U p0 c0 n3 v1",
-                                                  "6 4 4/0 L2 - p0 c0 n4 v2",
-                                                  "10 3 3/0 L2 U p0 c0 n5 v3",
-                                                  "13 4 4/0 L3 - p0 c0 n0 v4"};
-    QTest::newRow("error marks element") << QStringLiteral("<r><b><!x></b></r>")
-                                         << QStringList{"0 18 0/0 L0 I p0 c1 n0 v0",
-                                                        "0 18 3/4 L0 F p0 c2 n0 v1",
-                                                        "3 11 3/4 L1 FE p1 c0 n0 v2"};
-    QTest::newRow("error moves up from unended") << QStringLiteral("<r><b><!x></r>")
-                                                 << QStringList{"0 14 0/0 L0 I p0 c1 n0 v0",
-                                                                "0 14 3/4 L0 FE p0 c2 n0 v1",
-                                                                "3 3 3/0 L1 FU p1 c0 n0 v2"};
-    QTest::newRow("stray end tag marks parent") << QStringLiteral("<r></x></r>")
-                                                << QStringList{"0 11 0/0 L0 I p0 c1 n0 v0",
-                                                               "0 11 3/4 L0 FE p0 c0 n0 v1"};
+    QTest::newRow("lifted at end")
+        << QStringLiteral("<a><b><c/><d><e/>")
+        << QStringList{"0 17 0/0 L0 I p0 c1 n0 v0", "0 3 3/0 L0 FU p0 c0 n2 v5",
+                       "3 3 3/0 L1 U p0 c0 n3 v1",  "6 4 4/0 L2 - p0 c0 n4 v2",
+                       "10 3 3/0 L2 U p0 c0 n5 v3", "13 4 4/0 L3 - p0 c0 n0 v4"};
+    QTest::newRow("error marks element")
+        << QStringLiteral("<r><b><!x></b></r>")
+        << QStringList{"0 18 0/0 L0 I p0 c1 n0 v0", "0 18 3/4 L0 F p0 c2 n0 v1",
+                       "3 11 3/4 L1 FE p1 c0 n0 v2"};
+    QTest::newRow("error moves up from unended")
+        << QStringLiteral("<r><b><!x></r>")
+        << QStringList{"0 14 0/0 L0 I p0 c1 n0 v0", "0 14 3/4 L0 FE p0 c2 n0 v1",
+                       "3 3 3/0 L1 FU p1 c0 n0 v2"};
+    QTest::newRow("stray end tag marks parent")
+        << QStringLiteral("<r></x></r>")
+        << QStringList{"0 11 0/0 L0 I p0 c1 n0 v0", "0 11 3/4 L0 FE p0 c0 n0 v1"};
     QTest::newRow("long end tag") << QStringLiteral("<a></a%1>").arg(QString(600, u' '))
                                   << QStringList{"0 607 0/0 L0 - p0 c1 n0 v0",
                                                  "0 607 3/604 L0 F p0 c0 n0 v1"};
@@ -318,24 +325,26 @@ void TestXmlDocument::loadFile_data()
     QTest::addColumn<QString>("result");
     QTest::addColumn<QString>("text");
 
-    QTest::newRow("empty") << QByteArray() << false
-                           << "0 bytes to 0 wide chars, Empty document" << QString();
+    QTest::newRow("empty") << QByteArray() << false << "0 bytes to 0 wide chars, Empty document"
+                           << QString();
     QTest::newRow("byte-order mark kept")
         << QByteArray("\xEF\xBB\xBF<r>\xC3\xA9</r>") << true << "12 bytes to 9 wide chars"
         << QStringLiteral("\uFEFF<r>\u00E9</r>");
     QTest::newRow("non-BMP") << QByteArray("<r a=\"\xF0\x9D\x84\x9E\">\xF0\x9D\x84\x9E</r>") << true
                              << "20 bytes to 16 wide chars"
                              << QStringLiteral("<r a=\"\U0001D11E\">\U0001D11E</r>");
-    QTest::newRow("non-BMP offsets")
-        << QByteArray("<r>\xF0\x9D\x84\x9E<b></r>") << false
-        << "14 bytes to 12 wide chars, End tag 'r' at offset 9 does not match start tag 'b' at offset 5"
-        << QStringLiteral("<r>\U0001D11E<b></r>");
+    QTest::newRow("non-BMP offsets") << QByteArray("<r>\xF0\x9D\x84\x9E<b></r>") << false
+                                     << "14 bytes to 12 wide chars, End tag 'r' at offset 9 does "
+                                        "not match start tag 'b' at offset 5"
+                                     << QStringLiteral("<r>\U0001D11E<b></r>");
     QTest::newRow("invalid UTF-8") << QByteArray("<r>\xFF</r>") << true << "8 bytes to 8 wide chars"
                                    << QStringLiteral("<r>\uFFFD</r>");
-    QTest::newRow("truncated sequence at end") << QByteArray("<r/>\xC3") << true
-                                               << "5 bytes to 5 wide chars" << QStringLiteral("<r/>\uFFFD");
+    QTest::newRow("truncated sequence at end")
+        << QByteArray("<r/>\xC3") << true << "5 bytes to 5 wide chars"
+        << QStringLiteral("<r/>\uFFFD");
     QTest::newRow("no root") << QByteArray("<!-- -->") << false
-                             << "8 bytes to 8 wide chars, No root element" << QStringLiteral("<!-- -->");
+                             << "8 bytes to 8 wide chars, No root element"
+                             << QStringLiteral("<!-- -->");
 }
 
 void TestXmlDocument::loadFile()
@@ -448,14 +457,16 @@ void TestXmlDocument::validationReport()
     CXmlDocument doc;
     const XmlFileCheck ok = CheckXmlFile(doc, good);
     QVERIFY(ok.wellFormed);
-    QCOMPARE(FormatXmlFileCheck(good, ok), good + QStringLiteral(": well formed (10 bytes to 10 wide chars)"));
+    QCOMPARE(FormatXmlFileCheck(good, ok),
+             good + QStringLiteral(": well formed (10 bytes to 10 wide chars)"));
     QCOMPARE(doc.GetDocumentText(), QStringLiteral("<Catalog/>"));
 
     const QString missing = dir.filePath(QStringLiteral("none.xml"));
     const XmlFileCheck bad = CheckXmlFile(doc, missing);
     QVERIFY(!bad.wellFormed);
     QCOMPARE(FormatXmlFileCheck(missing, bad),
-             missing + QStringLiteral(": not well formed (%1)").arg(QString::fromLocal8Bit(std::strerror(ENOENT))));
+             missing + QStringLiteral(": not well formed (%1)")
+                           .arg(QString::fromLocal8Bit(std::strerror(ENOENT))));
 }
 
 QTEST_GUILESS_MAIN(TestXmlDocument)
