@@ -31,6 +31,12 @@ CCatalogEditorDlg::~CCatalogEditorDlg()
 {
     m_grid.SetCallbackChange(nullptr);
     m_grid.SetCallbackUpdate(nullptr);
+    // The controls outlive this part of the object while QWidget deletes them: nothing they
+    // signal may reach the dialog any more.
+    for (QObject* child : findChildren<QObject*>())
+        child->disconnect(this);
+    m_drawingTree->removeEventFilter(this);
+    m_catalogTree->removeEventFilter(this);
     DropTreeRows();
     if (m_initDone)
         CCatalogManager::Instance()->KillGdiPlus();

@@ -1,5 +1,8 @@
 #pragma once
 
+// The grid control's inline accessors need the grid widget's full type.
+#include "controls/PropertyGridWidget.h"
+
 #include "controls/PropertyExGridCtrl.h"
 #include "editor/ButtonStates.h"
 #include "editor/CatalogTreeWidget.h"

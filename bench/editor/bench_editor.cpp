@@ -1,0 +1,153 @@
+// The editor on a catalog of 100,000 items with 10 properties each: opening the dialog until
+// both trees are filled and shown, and one selection until the grid shows the item.
+//
+//   bench_editor [--items=N] [google benchmark options]
+#include "bench/catalog/CatalogGenerator.h"
+#include "catalog/CatalogManager.h"
+#include "controls/PropertyGridModel.h"
+#include "controls/PropertyGridWidget.h"
+#include "editor/CatalogEditorDlg.h"
+#include "editor/CatalogEditorIds.h"
+#include "host/ScriptedHost.h"
+#include "tests/editor/EditorTestStore.h"
+#include "tests/support/FindControl.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+#include <benchmark/benchmark.h>
+#include <cstring>
+#include <memory>
+
+using namespace ZEVGis;
+using namespace ZEVGis::Data;
+namespace Ids = ZEVGis::Editor::Ids;
+
+namespace
+{
+
+int g_items = 100000;
+std::unique_ptr<QTemporaryDir> g_dir;
+std::unique_ptr<EditorTestStore> g_store;
+
+// "BENCH" keeps no drawing version (upper tree empty); "BENCHDWG" keeps one, so both trees
+// show 100,000 rows.
+void writeStore()
+{
+    g_dir = std::make_unique<QTemporaryDir>();
+    g_store = std::make_unique<EditorTestStore>(g_dir->path());
+    for (const char* reference : {"BENCH", "BENCHDWG"})
+    {
+        auto catalog = boost::make_shared<CCatalog>();
+        ZevxBench::generateCatalog(*catalog, g_items);
+        EditorTestStore::Entry entry;
+        entry.reference = QString::fromLatin1(reference);
+        entry.nameUI = entry.reference;
+        entry.drawingVersion = std::strcmp(reference, "BENCHDWG") == 0;
+        entry.catalog = catalog;
+        g_store->add(entry);
+    }
+    if (!g_store->write())
+        qFatal("the benchmark store could not be written");
+}
+
+QString referenceFor(const benchmark::State& state)
+{
+    return state.range(0) ? QStringLiteral("BENCHDWG") : QStringLiteral("BENCH");
+}
+
+// Construction, start-up (catalog combo, both trees filled) and the first paint.
+std::unique_ptr<CCatalogEditorDlg> openEditor(const QString& reference)
+{
+    auto dlg = std::make_unique<CCatalogEditorDlg>();
+    dlg->SetCatalogReference(reference);
+    dlg->show();
+    QCoreApplication::processEvents();
+    return dlg;
+}
+
+void BM_OpenEditor_CatalogOnDisk(benchmark::State& state)
+{
+    const QString reference = referenceFor(state);
+    for (auto _ : state)
+    {
+        g_store->reopen(); // nothing cached: the catalog is read from its file
+        QElapsedTimer timer;
+        timer.start();
+        auto dlg = openEditor(reference);
+        state.SetIterationTime(double(timer.nsecsElapsed()) / 1e9);
+        dlg->hide();
+    }
+}
+
+void BM_OpenEditor_CatalogLoaded(benchmark::State& state)
+{
+    const QString reference = referenceFor(state);
+    g_store->reopen();
+    CCatalogManager::Instance()->GetCatalog(reference, 1);
+    CCatalogManager::Instance()->GetCatalog(reference, 0);
+    for (auto _ : state)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        auto dlg = openEditor(reference);
+        state.SetIterationTime(double(timer.nsecsElapsed()) / 1e9);
+        dlg->hide();
+    }
+}
+
+// One selection in the lower tree until the grid holds the item's properties and has painted.
+void BM_SelectItem(benchmark::State& state)
+{
+    g_store->reopen();
+    auto dlg = openEditor(QStringLiteral("BENCH"));
+    auto* tree = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    auto* grid = findControl<PropertyGridWidget>(dlg.get(), Ids::Grid);
+    std::vector<QTreeWidgetItem*> rows;
+    QTreeWidgetItem* root = tree->topLevelItem(0);
+    for (int t = 0; t < root->childCount() && rows.size() < 1000; ++t)
+        for (int s = 0; s < root->child(t)->childCount(); ++s)
+            for (int i = 0; i < root->child(t)->child(s)->childCount() && i < 5; ++i)
+                rows.push_back(root->child(t)->child(s)->child(i));
+    tree->setFocus();
+    size_t next = 0;
+    for (auto _ : state)
+    {
+        QTreeWidgetItem* row = rows[next++ % rows.size()];
+        QElapsedTimer timer;
+        timer.start();
+        tree->setCurrentItem(row);
+        QCoreApplication::processEvents();
+        state.SetIterationTime(double(timer.nsecsElapsed()) / 1e9);
+        if (!dlg->CurrentItem() || grid->model()->rowCount() == 0)
+            state.SkipWithError("the grid does not show the selected item");
+    }
+}
+
+} // namespace
+
+BENCHMARK(BM_OpenEditor_CatalogOnDisk)->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_OpenEditor_CatalogLoaded)->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);
+BENCHMARK(BM_SelectItem)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(200);
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    for (int i = 1; i < argc; ++i)
+        if (std::strncmp(argv[i], "--items=", 8) == 0)
+            g_items = std::atoi(argv[i] + 8);
+    QApplication app(argc, argv);
+    QStandardPaths::setTestModeEnabled(true);
+    Host::ScriptedHost host;
+    Host::HostServices::install(&host);
+    writeStore();
+
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    Host::HostServices::install(nullptr);
+    return 0;
+}

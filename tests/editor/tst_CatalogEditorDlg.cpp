@@ -1,0 +1,687 @@
+// The editor dialog driven offscreen through its controls, on catalog stores written to a
+// temporary folder, with the scripted host answering and recording.
+#include "catalog/CatalogManager.h"
+#include "controls/PropertyGridModel.h"
+#include "controls/PropertyGridWidget.h"
+#include "editor/CatalogEditorDlg.h"
+#include "editor/CatalogEditorIds.h"
+#include "host/ScriptedHost.h"
+#include "tests/editor/CatalogBuilder.h"
+#include "tests/editor/EditorTestStore.h"
+#include "tests/support/FindControl.h"
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <boost/make_shared.hpp>
+#include <memory>
+
+using namespace ZEVGis;
+using namespace ZEVGis::Data;
+using ZEVGis::Editor::CatalogTreeRowItem;
+using ZEVGis::Editor::CatalogTreeWidget;
+namespace Ids = ZEVGis::Editor::Ids;
+
+namespace
+{
+
+// Cables: root map order (by GUID) is Low voltage, Medium voltage, Loose item; order
+// numbers put them the other way round.
+//   Low voltage (ord 2)      { Cable 4x16 (default, CABLE_LV), Cable 4x25 (CABLE_LV) }
+//   Medium voltage (ord 1)   { Copper { Cu 95 (CABLE_MV) }, Aluminium {} }
+//   Loose item (ord 0)
+boost::shared_ptr<CCatalog> cablesCatalog()
+{
+    CatalogBuilder b;
+    b.catalog().SetReference("CABLES");
+    auto lv = b.group("Low voltage", {}, 2, "{A-LV}");
+    auto c16 = b.item("Cable 4x16", lv, 0, "{A-16}");
+    auto c25 = b.item("Cable 4x25", lv, 1, "{A-25}");
+    auto mv = b.group("Medium voltage", {}, 1, "{B-MV}");
+    auto copper = b.group("Copper", mv, 0, "{B-CU}");
+    auto cu95 = b.item("Cu 95", copper, 0, "{B-95}");
+    b.group("Aluminium", mv, 1, "{B-AL}");
+    auto loose = b.item("Loose item", {}, 0, "{C-LOOSE}");
+    CatalogBuilder::setProperties(c16, {{"CATALOGITEM_NAME", "Cable 4x16"},
+                                        {"LSEQUIP_TYPE", "CABLE_LV"},
+                                        {"CROSS_SECTION", "16"}});
+    CatalogBuilder::setProperties(c25, {{"CATALOGITEM_NAME", "Cable 4x25"},
+                                        {"LSEQUIP_TYPE", "CABLE_LV"},
+                                        {"CROSS_SECTION", "25"}});
+    CatalogBuilder::setProperties(cu95, {{"CATALOGITEM_NAME", "Cu 95"}, {"LSEQUIP_TYPE", "CABLE_MV"}});
+    CatalogBuilder::setProperties(loose, {{"CATALOGITEM_NAME", "Loose item"}});
+    c16->SetIsDefault(1);
+    return b.shared();
+}
+
+boost::shared_ptr<CCatalog> smallCatalog(const QString& reference, const QString& groupName)
+{
+    CatalogBuilder b;
+    b.catalog().SetReference(reference);
+    auto group = b.group(groupName, {}, 0, "{G-" + reference + "}");
+    auto item = b.item(groupName + " item", group, 0, "{I-" + reference + "}");
+    CatalogBuilder::setProperties(item, {{"CATALOGITEM_NAME", groupName + " item"}});
+    return b.shared();
+}
+
+EditorTestStore::Entry entry(const QString& reference, const QString& name,
+                             boost::shared_ptr<CCatalog> catalog, int hidden = 0)
+{
+    EditorTestStore::Entry e;
+    e.reference = reference;
+    e.nameUI = name;
+    e.hidden = hidden;
+    e.catalog = catalog;
+    return e;
+}
+
+QTreeWidgetItem* rowAt(QTreeWidget* tree, const QString& path)
+{
+    QTreeWidgetItem* row = tree->topLevelItem(0);
+    if (path.isEmpty())
+        return row;
+    for (const QString& name : path.split('/'))
+    {
+        QTreeWidgetItem* next = nullptr;
+        for (int i = 0; row && i < row->childCount() && !next; ++i)
+            if (row->child(i)->text(0) == name)
+                next = row->child(i);
+        row = next;
+    }
+    return row;
+}
+
+QStringList childTexts(QTreeWidgetItem* row)
+{
+    QStringList texts;
+    for (int i = 0; row && i < row->childCount(); ++i)
+        texts << row->child(i)->text(0);
+    return texts;
+}
+
+int imageOf(QTreeWidgetItem* row)
+{
+    return row && row->type() == CatalogTreeRowItem::RowType
+               ? static_cast<CatalogTreeRowItem*>(row)->imageIndex()
+               : -1;
+}
+
+} // namespace
+
+class TestCatalogEditorDlg : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void startUp_data();
+    void startUp();
+    void controlsCarryTheirIdsAndTexts();
+    void minimumSize();
+    void treesShowCatalogInTheirOrder();
+    void selectionSetsButtons_data();
+    void selectionSetsButtons();
+    void selectionShowsPropertiesInGrid();
+    void gridEditReachesItemAndNameRenamesRow();
+    void nameEditWithoutLowerSelectionChangesNoRow();
+    void f2RenamesAndEnterKeepsDialogOpen();
+    void escapeInLabelEditorKeepsName();
+    void setDefaultMarksByEquipmentType_data();
+    void setDefaultMarksByEquipmentType();
+    void switchingSavesCatalogShownBefore();
+    void okWritesFile();
+    void cancelAndCloseBoxDropChanges_data();
+    void cancelAndCloseBoxDropChanges();
+    void deleteAsksAndRemoves_data();
+    void deleteAsksAndRemoves();
+    void insertKeyAddsItemFromTemplate();
+    void testButtonTogglesReadOnlyInOrder();
+
+private:
+    void writeStore(const std::vector<EditorTestStore::Entry>& entries);
+    void writeDefaultStore();
+    std::unique_ptr<CCatalogEditorDlg> openDialog(const QString& reference = QString(),
+                                                   int showHidden = 0);
+    void focusAndSelect(CCatalogEditorDlg& dlg, int treeId, const QString& path);
+    QStringList enabledEditButtons(CCatalogEditorDlg& dlg) const;
+
+    Host::ScriptedHost m_host;
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<EditorTestStore> m_store;
+};
+
+void TestCatalogEditorDlg::initTestCase()
+{
+    QStandardPaths::setTestModeEnabled(true);
+    Host::HostServices::install(&m_host);
+}
+
+void TestCatalogEditorDlg::init()
+{
+    m_host.clear();
+    m_host.setCtrlPressed(false);
+    m_dir = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_dir->isValid());
+    m_store = std::make_unique<EditorTestStore>(m_dir->path());
+}
+
+void TestCatalogEditorDlg::cleanup()
+{
+    m_store.reset();
+    m_dir.reset();
+}
+
+void TestCatalogEditorDlg::writeStore(const std::vector<EditorTestStore::Entry>& entries)
+{
+    for (const auto& e : entries)
+        m_store->add(e);
+    QVERIFY(m_store->write());
+}
+
+void TestCatalogEditorDlg::writeDefaultStore()
+{
+    auto cables = entry("CABLES", "Cables", cablesCatalog());
+    cables.drawingVersion = 1;
+    cables.allowDefault = 1;
+    auto tmpl = boost::make_shared<CCatalogItemTemplate>("Cable", 1, cablesCatalog()->GetItembyGuid("{A-25}"));
+    cables.templates = {boost::make_shared<CCatalogItemTemplate>("Retired", -1, nullptr), tmpl};
+    auto locked = entry("LOCKED", "Locked", smallCatalog("LOCKED", "Fixed"));
+    locked.disableNewItems = 1;
+    writeStore({cables, entry("POLES", "Poles", smallCatalog("POLES", "Wood")), locked});
+}
+
+std::unique_ptr<CCatalogEditorDlg> TestCatalogEditorDlg::openDialog(const QString& reference,
+                                                                     int showHidden)
+{
+    auto dlg = std::make_unique<CCatalogEditorDlg>();
+    dlg->SetCatalogReference(reference);
+    dlg->SetShowHiddenCatalogs(showHidden);
+    dlg->show();
+    dlg->activateWindow();
+    if (!QTest::qWaitForWindowActive(dlg.get()))
+        qWarning("the dialog did not become active");
+    return dlg;
+}
+
+void TestCatalogEditorDlg::focusAndSelect(CCatalogEditorDlg& dlg, int treeId, const QString& path)
+{
+    auto* tree = findControl<QTreeWidget>(&dlg, treeId);
+    QVERIFY(tree);
+    tree->setFocus(Qt::MouseFocusReason);
+    QTreeWidgetItem* row = rowAt(tree, path);
+    QVERIFY2(row, qPrintable(path));
+    tree->setCurrentItem(row);
+}
+
+QStringList TestCatalogEditorDlg::enabledEditButtons(CCatalogEditorDlg& dlg) const
+{
+    QStringList on;
+    for (int id : {Ids::BtnAddGroup, Ids::BtnDelete, Ids::BtnNew, Ids::BtnNewItems, Ids::BtnUp,
+                   Ids::BtnDown, Ids::BtnSort, Ids::BtnSetDefault})
+    {
+        auto* button = findControl<QAbstractButton>(&dlg, id);
+        if (button && button->isEnabled())
+            on << QString::number(id);
+    }
+    return on;
+}
+
+void TestCatalogEditorDlg::startUp_data()
+{
+    QTest::addColumn<QStringList>("registry"); // "REF:Name" or "REF:Name:hidden"
+    QTest::addColumn<QString>("reference");
+    QTest::addColumn<int>("showHidden");
+    QTest::addColumn<QStringList>("lines");    // empty: the dialog is refused
+    QTest::addColumn<QString>("selected");
+
+    QTest::newRow("empty registry") << QStringList{} << "" << 1 << QStringList{} << "";
+    QTest::newRow("all hidden, not shown")
+        << QStringList{"A:Alpha:hidden", "B:Beta:hidden"} << "" << 0 << QStringList{} << "";
+    QTest::newRow("all hidden, shown")
+        << QStringList{"A:Alpha:hidden", "B:Beta:hidden"} << "b" << 1
+        << QStringList{"Alpha*** HIDDEN ***", "Beta*** HIDDEN ***"} << "Beta*** HIDDEN ***";
+    QTest::newRow("preselection ignoring case")
+        << QStringList{"POLES:Poles", "Cables:Cables"} << "cABLES" << 0
+        << QStringList{"Poles", "Cables"} << "Cables";
+    QTest::newRow("hidden reference not offered")
+        << QStringList{"POLES:Poles", "SECRET:Secret:hidden"} << "secret" << 0
+        << QStringList{"Poles"} << "Poles";
+}
+
+void TestCatalogEditorDlg::startUp()
+{
+    QFETCH(QStringList, registry);
+    QFETCH(QString, reference);
+    QFETCH(int, showHidden);
+    QFETCH(QStringList, lines);
+    QFETCH(QString, selected);
+
+    std::vector<EditorTestStore::Entry> entries;
+    for (const QString& line : registry)
+    {
+        const QStringList parts = line.split(':');
+        entries.push_back(entry(parts[0], parts[1], smallCatalog(parts[0], parts[1]),
+                                parts.size() > 2 ? 1 : 0));
+    }
+    writeStore(entries);
+
+    CCatalogEditorDlg dlg;
+    dlg.SetCatalogReference(reference);
+    dlg.SetShowHiddenCatalogs(showHidden);
+    if (lines.isEmpty())
+    {
+        QCOMPARE(dlg.exec(), int(QDialog::Rejected));
+        QCOMPARE(m_host.alerts(), QStringList{"Catalog error!"});
+        QVERIFY(!dlg.isVisible());
+        return;
+    }
+    QVERIFY(dlg.OnInitDialog());
+    auto* combo = findControl<QComboBox>(&dlg, Ids::CatalogCombo);
+    QVERIFY(combo);
+    QStringList texts;
+    for (int i = 0; i < combo->count(); ++i)
+        texts << combo->itemText(i);
+    QCOMPARE(texts, lines);
+    QCOMPARE(combo->currentText(), selected);
+    QVERIFY(m_host.alerts().isEmpty());
+    // The lower tree shows the chosen catalog.
+    auto* tree = findControl<QTreeWidget>(&dlg, Ids::CatalogTree);
+    QCOMPARE(childTexts(rowAt(tree, "")).size(), 1);
+}
+
+void TestCatalogEditorDlg::controlsCarryTheirIdsAndTexts()
+{
+    writeDefaultStore();
+    auto dlg = openDialog();
+    for (int id : {1, 2, 103, 104, 105, 106, 107, 108, 109, 110, 111, 112, 113, 114, 115, 116, 117,
+                   118, 119, 120, 121, 122, 123, 124, 1000})
+        QVERIFY2(findControlById(dlg.get(), id), qPrintable(QString::number(id)));
+    QCOMPARE(dlg->windowTitle(), QString("Catalog editor"));
+    QCOMPARE(findControl<QAbstractButton>(dlg.get(), Ids::Ok)->text(), QString("OK"));
+    QCOMPARE(findControl<QAbstractButton>(dlg.get(), Ids::BtnAddToApp)->text(),
+             QString("Add to application"));
+    QCOMPARE(findControl<QAbstractButton>(dlg.get(), Ids::BtnAddGroup)->toolTip(),
+             QString("Add a new group"));
+    QVERIFY(!findControl<QAbstractButton>(dlg.get(), Ids::BtnNew)->icon().isNull());
+    QVERIFY(!findControl<QWidget>(dlg.get(), Ids::BtnTest)->isVisible());
+    // Templates of version -1 are not offered.
+    auto* templates = findControl<QComboBox>(dlg.get(), Ids::TemplateCombo);
+    QCOMPARE(templates->count(), 1);
+    QCOMPARE(templates->currentText(), QString("Cable"));
+    // Nothing selected yet: the editing buttons wait for a selection.
+    QVERIFY(enabledEditButtons(*dlg).isEmpty());
+}
+
+void TestCatalogEditorDlg::minimumSize()
+{
+    writeDefaultStore();
+    auto dlg = openDialog();
+    dlg->resize(400, 300);
+    QCOMPARE(dlg->size(), QSize(1013, 735));
+    // Growing moves the bottom-right buttons with the corner and widens the grid by a third.
+    auto* ok = findControlById(dlg.get(), Ids::Ok);
+    auto* grid = findControlById(dlg.get(), Ids::Grid);
+    const QPoint okBefore = ok->pos();
+    const int gridBefore = grid->width();
+    dlg->resize(1013 + 300, 735 + 90);
+    QCOMPARE(ok->pos(), okBefore + QPoint(300, 90));
+    QVERIFY(qAbs(grid->width() - (gridBefore + 100)) <= 1);
+}
+
+void TestCatalogEditorDlg::treesShowCatalogInTheirOrder()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("cables");
+    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    auto* upper = findControl<QTreeWidget>(dlg.get(), Ids::DrawingTree);
+    QCOMPARE(rowAt(lower, "")->text(0), QString("Catalog - Disk"));
+    QCOMPARE(rowAt(upper, "")->text(0), QString("Catalog"));
+    QCOMPARE(imageOf(rowAt(lower, "")), 7);
+    QCOMPARE(imageOf(rowAt(upper, "")), 8);
+    // The catalog tree's top level is ordered by order number; the drawing tree's keeps the
+    // catalog's own order.
+    QCOMPARE(childTexts(rowAt(lower, "")),
+             QStringList({"Loose item", "Medium voltage", "Low voltage"}));
+    QCOMPARE(childTexts(rowAt(upper, "")),
+             QStringList({"Low voltage", "Medium voltage", "Loose item"}));
+    QCOMPARE(childTexts(rowAt(lower, "Medium voltage")), QStringList({"Copper", "Aluminium"}));
+    for (QTreeWidget* tree : {lower, upper})
+    {
+        QCOMPARE(imageOf(rowAt(tree, "Low voltage/Cable 4x16")), 9);
+        QCOMPARE(imageOf(rowAt(tree, "Low voltage/Cable 4x25")), 6);
+        QCOMPARE(imageOf(rowAt(tree, "Medium voltage/Copper")), 0);
+        QVERIFY(rowAt(tree, "")->isExpanded());
+    }
+    QVERIFY(upper->isEnabled());
+    QVERIFY(findControl<QAbstractButton>(dlg.get(), Ids::BtnAddToApp)->isEnabled());
+
+    // A catalog without a drawing version: the upper tree and "add to application" are off.
+    findControl<QComboBox>(dlg.get(), Ids::CatalogCombo)->setCurrentIndex(1);
+    QVERIFY(!upper->isEnabled());
+    QVERIFY(!findControl<QAbstractButton>(dlg.get(), Ids::BtnAddToApp)->isEnabled());
+    QCOMPARE(childTexts(rowAt(lower, "")), QStringList({"Wood"}));
+}
+
+void TestCatalogEditorDlg::selectionSetsButtons_data()
+{
+    QTest::addColumn<QString>("catalog");
+    QTest::addColumn<int>("tree");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("enabled");
+
+    const int lower = Ids::CatalogTree;
+    const int upper = Ids::DrawingTree;
+    QTest::newRow("lower root") << "CABLES" << lower << "" << "107 108 120";
+    QTest::newRow("group of groups") << "CABLES" << lower << "Medium voltage" << "107 108 105 119 118 120";
+    QTest::newRow("group of items") << "CABLES" << lower << "Low voltage" << "108 105 119 118 120";
+    QTest::newRow("empty group below") << "CABLES" << lower << "Medium voltage/Aluminium" << "107 108 105 119 118 120";
+    QTest::newRow("item, default allowed") << "CABLES" << lower << "Low voltage/Cable 4x25" << "108 105 110 119 118 120 123";
+    QTest::newRow("item in upper tree") << "CABLES" << upper << "Medium voltage/Copper/Cu 95" << "108 105 110 119 118 120 123";
+    QTest::newRow("group in upper tree") << "CABLES" << upper << "Low voltage" << "108 105 119 118 120";
+    QTest::newRow("upper root keeps buttons") << "CABLES" << upper << "" << "";
+    QTest::newRow("item, new items disabled") << "LOCKED" << lower << "Fixed/Fixed item" << "119 118 120";
+    QTest::newRow("root, new items disabled") << "LOCKED" << lower << "" << "120";
+}
+
+void TestCatalogEditorDlg::selectionSetsButtons()
+{
+    QFETCH(QString, catalog);
+    QFETCH(int, tree);
+    QFETCH(QString, path);
+    QFETCH(QString, enabled);
+
+    writeDefaultStore();
+    auto dlg = openDialog(catalog);
+    focusAndSelect(*dlg, tree, path);
+    QCOMPARE(dlg->ActiveTree(), tree == Ids::DrawingTree ? 1 : 2);
+    QCOMPARE(enabledEditButtons(*dlg).join(' '), enabled);
+}
+
+void TestCatalogEditorDlg::selectionShowsPropertiesInGrid()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    auto* grid = findControl<PropertyGridWidget>(dlg.get(), Ids::Grid);
+    QVERIFY(grid);
+    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x25");
+    QVERIFY(dlg->CurrentItem());
+    QCOMPARE(dlg->CurrentItem()->GetName(), QString("Cable 4x25"));
+    QVERIFY(grid->model()->rowCount() > 0);
+    // A root row shows nothing.
+    focusAndSelect(*dlg, Ids::CatalogTree, "");
+    QVERIFY(!dlg->CurrentItem());
+    QCOMPARE(grid->model()->rowCount(), 0);
+    // Focus alone re-shows the selection of the tree that takes it.
+    focusAndSelect(*dlg, Ids::DrawingTree, "Medium voltage/Copper/Cu 95");
+    findControl<QWidget>(dlg.get(), Ids::CatalogTree)->setFocus(Qt::MouseFocusReason);
+    QVERIFY(!dlg->CurrentItem());
+    findControl<QWidget>(dlg.get(), Ids::DrawingTree)->setFocus(Qt::MouseFocusReason);
+    QVERIFY(dlg->CurrentItem());
+    QCOMPARE(dlg->CurrentItem()->GetName(), QString("Cu 95"));
+}
+
+void TestCatalogEditorDlg::gridEditReachesItemAndNameRenamesRow()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x25");
+    CCatalogItem* item = dlg->CurrentItem();
+    QVERIFY(item);
+
+    // What the grid does on an accepted edit: the value goes into the shown property, then
+    // the dialog hears of it.
+    auto section = item->GetProperty("CROSS_SECTION");
+    section->SetValue(CDataBox::fromString("35"));
+    dlg->OnItemUpdated(section.get());
+    QCOMPARE(item->GetProperty("CROSS_SECTION")->GetValue().ToString(), QString("35"));
+    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    QCOMPARE(lower->currentItem()->text(0), QString("Cable 4x25"));
+
+    auto name = item->GetProperty("CATALOGITEM_NAME");
+    name->SetValue(CDataBox::fromString("Cable 4x35"));
+    dlg->OnItemUpdated(name.get());
+    QCOMPARE(lower->currentItem()->text(0), QString("Cable 4x35"));
+    dlg->OnItemUpdated(nullptr);
+}
+
+void TestCatalogEditorDlg::nameEditWithoutLowerSelectionChangesNoRow()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    focusAndSelect(*dlg, Ids::DrawingTree, "Low voltage/Cable 4x16");
+    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    QVERIFY(!lower->currentItem());
+    auto name = dlg->CurrentItem()->GetProperty("CATALOGITEM_NAME");
+    name->SetValue(CDataBox::fromString("Other"));
+    dlg->OnItemUpdated(name.get());
+    QCOMPARE(childTexts(rowAt(lower, "Low voltage")), QStringList({"Cable 4x16", "Cable 4x25"}));
+}
+
+void TestCatalogEditorDlg::f2RenamesAndEnterKeepsDialogOpen()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x25");
+    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    QTest::keyClick(lower, Qt::Key_F2);
+    auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    QVERIFY(editor);
+    editor->selectAll();
+    QTest::keyClicks(editor, "Cable 4x16");
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCoreApplication::processEvents();
+
+    QVERIFY(dlg->isVisible());
+    QVERIFY(!static_cast<CatalogTreeWidget*>(lower)->isEditingLabel());
+    QCOMPARE(lower->currentItem()->text(0), QString("Cable 4x16"));
+    // The name of a sibling is accepted; the grid shows the new name.
+    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", 1);
+    QCOMPARE(catalog->GetItembyGuid("{A-25}")->GetName(), QString("Cable 4x16"));
+    QCOMPARE(catalog->GetItembyGuid("{A-25}")->GetProperty("CATALOGITEM_NAME")->GetValue().ToString(),
+             QString("Cable 4x16"));
+    QVERIFY(m_host.alerts().isEmpty());
+
+    // The root row has no label editor.
+    focusAndSelect(*dlg, Ids::CatalogTree, "");
+    QTest::keyClick(lower, Qt::Key_F2);
+    QVERIFY(!static_cast<CatalogTreeWidget*>(lower)->isEditingLabel());
+}
+
+void TestCatalogEditorDlg::escapeInLabelEditorKeepsName()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    focusAndSelect(*dlg, Ids::CatalogTree, "Medium voltage/Copper");
+    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    QTest::keyClick(lower, Qt::Key_F2);
+    auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    QVERIFY(editor);
+    QTest::keyClicks(editor, "Brass");
+    QTest::keyClick(editor, Qt::Key_Delete);
+    QTest::keyClick(editor, Qt::Key_Escape);
+    QCoreApplication::processEvents();
+    QVERIFY(dlg->isVisible());
+    QCOMPARE(lower->currentItem()->text(0), QString("Copper"));
+    QCOMPARE(CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetItembyGuid("{B-CU}")->GetName(),
+             QString("Copper"));
+}
+
+void TestCatalogEditorDlg::setDefaultMarksByEquipmentType_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("defaults"); // item GUIDs marked default afterwards
+
+    QTest::newRow("same type: old default cleared") << "Low voltage/Cable 4x25" << "{A-25}";
+    QTest::newRow("other type: old default stays") << "Medium voltage/Copper/Cu 95" << "{A-16} {B-95}";
+    QTest::newRow("without type: nothing cleared") << "Loose item" << "{A-16} {C-LOOSE}";
+    QTest::newRow("group: nothing happens") << "Low voltage" << "{A-16}";
+}
+
+void TestCatalogEditorDlg::setDefaultMarksByEquipmentType()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, defaults);
+
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    focusAndSelect(*dlg, Ids::CatalogTree, path);
+    dlg->OnBnClickedBtnSetDefault();
+
+    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", 1);
+    QStringList marked;
+    for (const auto& [guid, item] : *catalog->GetAllElementsMap())
+        if (item->GetIsDefault())
+            marked << guid;
+    QCOMPARE(marked.join(' '), defaults);
+    // Rows below the top level show the marks.
+    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    QCOMPARE(imageOf(rowAt(lower, "Low voltage/Cable 4x16")), defaults.contains("{A-16}") ? 9 : 6);
+    QCOMPARE(imageOf(rowAt(lower, "Low voltage/Cable 4x25")), defaults.contains("{A-25}") ? 9 : 6);
+    QCOMPARE(imageOf(rowAt(lower, "Medium voltage/Copper/Cu 95")), defaults.contains("{B-95}") ? 9 : 6);
+}
+
+void TestCatalogEditorDlg::switchingSavesCatalogShownBefore()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    const QByteArray before = m_store->catalogFileBytes("CABLES");
+    CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetItembyGuid("{A-25}")->SetName("Renamed");
+    findControl<QComboBox>(dlg.get(), Ids::CatalogCombo)->setCurrentIndex(1);
+    QVERIFY(m_host.questions().isEmpty());
+    QVERIFY(m_store->catalogFileBytes("CABLES") != before);
+    QVERIFY(m_store->catalogFileBytes("CABLES").contains("Renamed"));
+    m_store->reopen();
+    QCOMPARE(CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetItembyGuid("{A-25}")->GetName(),
+             QString("Renamed"));
+}
+
+void TestCatalogEditorDlg::okWritesFile()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x25");
+    dlg->CurrentItem()->GetProperty("CROSS_SECTION")->SetValue(CDataBox::fromString("50"));
+    findControl<QAbstractButton>(dlg.get(), Ids::Ok)->click();
+    QCOMPARE(dlg->result(), int(QDialog::Accepted));
+    QVERIFY(!dlg->isVisible());
+    dlg.reset();
+    m_store->reopen();
+    auto reread = CCatalogManager::Instance()->GetCatalog("CABLES", 1);
+    QVERIFY(reread);
+    QCOMPARE(reread->GetItembyGuid("{A-25}")->GetProperty("CROSS_SECTION")->GetValue().ToString(),
+             QString("50"));
+}
+
+void TestCatalogEditorDlg::cancelAndCloseBoxDropChanges_data()
+{
+    QTest::addColumn<QString>("how");
+    QTest::newRow("Cancel button") << "cancel";
+    QTest::newRow("close box") << "close";
+    QTest::newRow("Escape") << "escape";
+}
+
+void TestCatalogEditorDlg::cancelAndCloseBoxDropChanges()
+{
+    QFETCH(QString, how);
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    const QByteArray before = m_store->catalogFileBytes("CABLES");
+    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x25");
+    dlg->CurrentItem()->SetName("Dropped");
+    if (how == "cancel")
+        findControl<QAbstractButton>(dlg.get(), Ids::Cancel)->click();
+    else if (how == "close")
+        dlg->close();
+    else
+        QTest::keyClick(findControl<QWidget>(dlg.get(), Ids::CatalogTree), Qt::Key_Escape);
+    QCOMPARE(dlg->result(), int(QDialog::Rejected));
+    QVERIFY(!dlg->isVisible());
+    QCOMPARE(m_store->catalogFileBytes("CABLES"), before);
+    // The manager reads the catalog anew: the edit is gone.
+    QCOMPARE(CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetItembyGuid("{A-25}")->GetName(),
+             QString("Cable 4x25"));
+}
+
+void TestCatalogEditorDlg::deleteAsksAndRemoves_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("answer");
+    QTest::addColumn<QStringList>("rootAfter");
+    QTest::addColumn<int>("elementsAfter");
+
+    const QStringList all{"Loose item", "Medium voltage", "Low voltage"};
+    QTest::newRow("group, yes") << "Medium voltage" << true << QStringList{"Loose item", "Low voltage"} << 4;
+    QTest::newRow("group, no") << "Medium voltage" << false << all << 8;
+    QTest::newRow("root row empties the root level") << "" << true << QStringList{} << 0;
+    QTest::newRow("root row, no") << "" << false << all << 8;
+}
+
+void TestCatalogEditorDlg::deleteAsksAndRemoves()
+{
+    QFETCH(QString, path);
+    QFETCH(bool, answer);
+    QFETCH(QStringList, rootAfter);
+    QFETCH(int, elementsAfter);
+
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    focusAndSelect(*dlg, Ids::CatalogTree, path);
+    m_host.queueAnswer(answer);
+    QTest::keyClick(findControl<QWidget>(dlg.get(), Ids::CatalogTree), Qt::Key_Delete);
+    QCOMPARE(m_host.questions().size(), 1);
+    QCOMPARE(m_host.questions().first().text,
+             QString("Do you really want to delete the selected entries?"));
+    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    QCOMPARE(childTexts(rowAt(lower, "")), rootAfter);
+    QCOMPARE(int(CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetAllElementsMap()->size()),
+             elementsAfter);
+    // Whatever is current now is a live row: its item (if any) is still in the catalog.
+    if (CCatalogItem* current = dlg->CurrentItem())
+        QVERIFY(CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetItembyGuid(current->GetGUID()));
+}
+
+void TestCatalogEditorDlg::insertKeyAddsItemFromTemplate()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x16");
+    QTest::keyClick(findControl<QWidget>(dlg.get(), Ids::CatalogTree), Qt::Key_Insert);
+    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    const QStringList children = childTexts(rowAt(lower, "Low voltage"));
+    QCOMPARE(children.size(), 3);
+    QTreeWidgetItem* added = lower->currentItem();
+    QCOMPARE(added->parent(), rowAt(lower, "Low voltage"));
+    QVERIFY(!children.mid(0, 2).contains(added->text(0)));
+    CCatalogItem* item = Editor::CatalogItemOfRow(added);
+    QVERIFY(item);
+    QCOMPARE(dlg->RowOfItem(item), added);
+    QVERIFY(CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetItembyGuid(item->GetGUID()));
+    QCOMPARE(item->GetParentItem()->GetGUID(), QString("{A-LV}"));
+
+    // A group that holds groups takes no items.
+    focusAndSelect(*dlg, Ids::CatalogTree, "Medium voltage");
+    findControl<QAbstractButton>(dlg.get(), Ids::BtnNew)->click();
+    QCOMPARE(m_host.alerts(), QStringList{"An item cannot be added to a group that holds groups."});
+}
+
+void TestCatalogEditorDlg::testButtonTogglesReadOnlyInOrder()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    auto* grid = findControl<PropertyGridWidget>(dlg.get(), Ids::Grid);
+    QVERIFY(grid);
+    dlg->OnBnClickedBtnTest(); // passes the flag before inverting it: writable
+    QCOMPARE(grid->isReadOnly(), false);
+    dlg->OnBnClickedBtnTest();
+    QCOMPARE(grid->isReadOnly(), true);
+    dlg->OnBnClickedBtnTest();
+    QCOMPARE(grid->isReadOnly(), false);
+}
+
+QTEST_MAIN(TestCatalogEditorDlg)
+#include "tst_CatalogEditorDlg.moc"
