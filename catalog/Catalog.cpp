@@ -1,6 +1,8 @@
 #include "catalog/Catalog.h"
+#include "catalog/CatalogXml.h"
 
 #include <algorithm>
+#include <cstring>
 #include <unordered_set>
 #include <boost/make_shared.hpp>
 
@@ -104,6 +106,104 @@ void CCatalog::Clear()
 {
     m_rootElements.clear();
     m_allElements.clear();
+}
+
+} // namespace ZEVGis::Data
+
+// ---- XML ------------------------------------------------------------------------------
+
+namespace ZEVGis::Data
+{
+
+namespace
+{
+
+// Parses a catalog document into fresh maps; the catalog is only touched on success.
+int parseCatalog(CCatalog& catalog, const char* data, size_t size, bool forceUtf8,
+                 QString& error, CCatalog::ItemMap& all, CCatalog::ItemMap& roots,
+                 QString& reference)
+{
+    pugi::xml_document doc;
+    if (!CatalogXml::parseDocument(doc, data, size, forceUtf8, error))
+        return 0;
+    pugi::xml_node root = doc.document_element();
+    if (!root) {
+        error = QStringLiteral("the text holds no XML element, so it is not a catalog");
+        return 0;
+    }
+    if (std::strcmp(root.name(), CatalogXml::Names::catalog) != 0) {
+        error = QStringLiteral("the root element is <%1>, not <catalog> (at %2): not a catalog file")
+                    .arg(QString::fromUtf8(root.name()),
+                         CatalogXml::positionIn(data, size, root.offset_debug() > 0 ? root.offset_debug() - 1 : 0));
+        return 0;
+    }
+    const int format = root.attribute("format").as_int(1);
+    if (format > CatalogXml::FormatVersion) {
+        error = QStringLiteral("catalog format %1 is newer than this program reads (%2)")
+                    .arg(format).arg(CatalogXml::FormatVersion);
+        return 0;
+    }
+    CatalogXml::ItemReader reader;
+    reader.setText(data, size);
+    if (!reader.readItems(root, all, roots)) {
+        error = reader.error();
+        return 0;
+    }
+    reference = QString::fromUtf8(root.attribute("ref").value());
+    Q_UNUSED(catalog);
+    return 1;
+}
+
+} // namespace
+
+int CCatalog::ParseXMLBytes(const QByteArray& utf8)
+{
+    ItemMap all;
+    ItemMap roots;
+    QString reference;
+    QString error;
+    if (!parseCatalog(*this, utf8.constData(), size_t(utf8.size()), false, error, all, roots,
+                      reference)) {
+        m_parseError = error;
+        return 0;
+    }
+    m_allElements.swap(all);
+    m_rootElements.swap(roots);
+    if (!reference.isEmpty())
+        SetReference(reference);
+    m_parseError.clear();
+    return 1;
+}
+
+int CCatalog::ParseXML(const QString& xml)
+{
+    // The text is already decoded: parse its UTF-8 form whatever its declaration says.
+    const QByteArray utf8 = xml.toUtf8();
+    ItemMap all;
+    ItemMap roots;
+    QString reference;
+    QString error;
+    if (!parseCatalog(*this, utf8.constData(), size_t(utf8.size()), true, error, all, roots,
+                      reference)) {
+        m_parseError = error;
+        return 0;
+    }
+    m_allElements.swap(all);
+    m_rootElements.swap(roots);
+    if (!reference.isEmpty())
+        SetReference(reference);
+    m_parseError.clear();
+    return 1;
+}
+
+QString CCatalog::GetXML() const
+{
+    return QString::fromUtf8(CatalogXml::writeCatalog(*this));
+}
+
+QByteArray CCatalog::GetXMLBytes() const
+{
+    return CatalogXml::writeCatalog(*this);
 }
 
 } // namespace ZEVGis::Data

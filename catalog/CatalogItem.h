@@ -11,6 +11,11 @@
 namespace ZEVGis::Data
 {
 
+namespace CatalogXml
+{
+class ItemReader;
+}
+
 // A group or an item of a catalog. Items own their sub-items through shared pointers and
 // know their parent through a weak pointer, so a tree never keeps itself alive.
 //
@@ -59,6 +64,18 @@ public:
     void RemoveSubItem(const QString& guid);
 
 private:
+    friend class CatalogXml::ItemReader;
+    struct NoProperties
+    {
+    };
+
+public:
+    // For the catalog reader, which sets the properties itself: no empty set made and freed
+    // for each of a hundred thousand items. Only the reader can name the tag.
+    explicit CCatalogItem(NoProperties) {}
+
+private:
+
     QString m_guid;
     QString m_name;
     QString m_pictureRef;

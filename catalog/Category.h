@@ -25,6 +25,8 @@ public:
     // Adds or, when a property with the same tag exists, replaces it in place.
     void AddPropertyEx(boost::shared_ptr<CPropertyEx> property);
     void RemovePropertyEx(const QString& tag);
+    // Room for `count` properties without reallocation (the catalog reader knows the count).
+    void Reserve(size_t count) { m_properties.reserve(count); }
     boost::shared_ptr<CPropertyEx> GetPropertyEx(const QString& tag) const;
 
     // The properties in display order.

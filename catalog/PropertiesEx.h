@@ -20,6 +20,8 @@ public:
     std::vector<boost::shared_ptr<CCategory>>* GetCategoryVector() { return &m_categories; }
     const std::vector<boost::shared_ptr<CCategory>>& categories() const { return m_categories; }
     void AddCategory(boost::shared_ptr<CCategory> category);
+    // Room for `count` categories without reallocation.
+    void Reserve(size_t count) { m_categories.reserve(count); }
     boost::shared_ptr<CCategory> GetCategory(const QString& name) const;
 
     // The first property with this tag in any category, or empty.

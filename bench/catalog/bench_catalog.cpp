@@ -1,0 +1,124 @@
+// Load and save of a generated 100,000-entry catalog, and the memory a loaded entry takes.
+
+#include "bench/catalog/CatalogGenerator.h"
+
+#include <QFile>
+#include <QSaveFile>
+#include <QTemporaryDir>
+#include <QXmlStreamReader>
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+
+namespace
+{
+
+constexpr int Entries = 100000;
+
+const QByteArray& catalogBytes()
+{
+    static const QByteArray bytes = [] {
+        ZEVGis::Data::CCatalog catalog;
+        ZevxBench::generateCatalog(catalog, Entries);
+        return catalog.GetXMLBytes();
+    }();
+    return bytes;
+}
+
+void BM_LoadCatalog(benchmark::State& state)
+{
+    const QByteArray& bytes = catalogBytes();
+    for (auto _ : state) {
+        ZEVGis::Data::CCatalog catalog;
+        if (!catalog.ParseXMLBytes(bytes))
+            state.SkipWithError("parse failed");
+        benchmark::DoNotOptimize(catalog.GetAllElementsMap()->size());
+        // Freeing the catalog is not part of loading, nor is the allocator's deferred work
+        // for those frees (glibc consolidates them at the next big allocation).
+        state.PauseTiming();
+        catalog.Clear();
+        malloc_trim(0);
+        state.ResumeTiming();
+    }
+    state.SetBytesProcessed(int64_t(state.iterations()) * bytes.size());
+    state.counters["entries"] = Entries;
+    state.counters["file_MB"] = bytes.size() / 1e6;
+}
+BENCHMARK(BM_LoadCatalog)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+void BM_LoadCatalogFromFile(benchmark::State& state)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("bench.xml"));
+    {
+        QFile file(path);
+        file.open(QIODevice::WriteOnly);
+        file.write(catalogBytes());
+    }
+    for (auto _ : state) {
+        QFile file(path);
+        file.open(QIODevice::ReadOnly);
+        ZEVGis::Data::CCatalog catalog;
+        if (!catalog.ParseXMLBytes(file.readAll()))
+            state.SkipWithError("parse failed");
+        state.PauseTiming();
+        catalog.Clear();
+        malloc_trim(0);
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(BM_LoadCatalogFromFile)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+// What QXmlStreamReader alone needs to read the same file, building nothing: the reason
+// catalog files are read with pugixml.
+void BM_QXmlStreamReaderScanOnly(benchmark::State& state)
+{
+    const QByteArray& bytes = catalogBytes();
+    for (auto _ : state) {
+        QXmlStreamReader reader(bytes);
+        qint64 attributes = 0;
+        while (!reader.atEnd())
+            if (reader.readNext() == QXmlStreamReader::StartElement)
+                attributes += reader.attributes().size();
+        benchmark::DoNotOptimize(attributes);
+    }
+    state.SetBytesProcessed(int64_t(state.iterations()) * bytes.size());
+}
+BENCHMARK(BM_QXmlStreamReaderScanOnly)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void BM_SaveCatalog(benchmark::State& state)
+{
+    ZEVGis::Data::CCatalog catalog;
+    catalog.ParseXMLBytes(catalogBytes());
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("bench.xml"));
+    for (auto _ : state) {
+        QSaveFile file(path);
+        file.open(QIODevice::WriteOnly);
+        file.write(catalog.GetXMLBytes());
+        if (!file.commit())
+            state.SkipWithError("write failed");
+    }
+    state.counters["entries"] = Entries;
+}
+BENCHMARK(BM_SaveCatalog)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+void BM_MemoryPerEntry(benchmark::State& state)
+{
+    const QByteArray& bytes = catalogBytes();
+    double perEntry = 0;
+    for (auto _ : state) {
+        malloc_trim(0);
+        const size_t before = mallinfo2().uordblks;
+        auto* catalog = new ZEVGis::Data::CCatalog;
+        catalog->ParseXMLBytes(bytes);
+        const size_t after = mallinfo2().uordblks;
+        perEntry = double(after - before) / double(catalog->GetAllElementsMap()->size());
+        delete catalog;
+    }
+    state.counters["bytes_per_entry"] = perEntry;
+}
+BENCHMARK(BM_MemoryPerEntry)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+} // namespace
+
+BENCHMARK_MAIN();

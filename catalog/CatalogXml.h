@@ -1,0 +1,107 @@
+#pragma once
+
+// Reading and writing the catalog file format (README, "File formats"). Internal to the
+// catalog library: the catalog, the registry and the tools' validation use it.
+
+#include "catalog/Catalog.h"
+
+#include <QLoggingCategory>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <pugixml.hpp>
+
+Q_DECLARE_LOGGING_CATEGORY(lcCatalog)
+
+namespace ZEVGis::Data::CatalogXml
+{
+
+// Element and attribute names of the format.
+namespace Names
+{
+inline constexpr char catalog[] = "catalog";
+inline constexpr char item[] = "i";
+inline constexpr char category[] = "c";
+inline constexpr char property[] = "p";
+inline constexpr char choice[] = "ch";
+} // namespace Names
+
+inline constexpr int FormatVersion = 1;
+
+// Turns pugixml's UTF-8 texts into QStrings, sharing one QString among equal short texts
+// (tags, category and type names, template names, repeated values), so a big catalog
+// does not hold a million copies of "CROSS_SECTION".
+class StringPool;
+
+// Builds catalog items from <i> elements.
+class ItemReader
+{
+public:
+    ItemReader();
+    ~ItemReader();
+
+    // Reads one <i> element (with nested sub-items when `withSubItems`). On failure returns
+    // an empty pointer and error() says why (with line and column).
+    boost::shared_ptr<CCatalogItem> readItem(pugi::xml_node node, bool withSubItems);
+    // Reads all <i> children of `parentNode` into the maps (all items, root items).
+    bool readItems(pugi::xml_node parentNode, CCatalog::ItemMap& all, CCatalog::ItemMap& roots);
+
+    QString error() const { return m_error; }
+    // Where a node starts in the parsed text, as "line L, column C".
+    void setText(const char* text, size_t size) { m_text = text; m_size = size; }
+    QString position(ptrdiff_t offset) const;
+    QString text(const char* utf8);
+
+private:
+    bool readItemInto(pugi::xml_node node, const boost::shared_ptr<CCatalogItem>& item);
+    bool readProperties(pugi::xml_node node, CCatalogItem& item);
+    bool fail(pugi::xml_node node, const QString& why);
+    CPropertyEx::ExtraPtr extra(const char* caption, const char* picture,
+                                                      bool readOnly, pugi::xml_node choiceNode);
+
+    std::unique_ptr<StringPool> m_pool;
+    QString m_error;
+    const char* m_text = nullptr;
+    size_t m_size = 0;
+    std::vector<std::pair<boost::shared_ptr<CCatalogItem>, QString>> m_pendingParents;
+    CCatalog::ItemMap* m_all = nullptr;
+    int m_depth = 0;
+    std::unordered_map<std::string, CPropertyEx::ExtraPtr> m_extras;
+};
+
+// Parses `size` bytes of XML. `error` gets pugixml's message with line and column.
+bool parseDocument(pugi::xml_document& doc, const char* data, size_t size, bool forceUtf8,
+                   QString& error);
+QString positionIn(const char* text, size_t size, ptrdiff_t offset);
+
+// A small XML writer straight into UTF-8 bytes. QXmlStreamWriter needed ~6 s for a
+// 100,000-entry catalog here (README, "Catalog library benchmark"); this needs a tenth of a
+// second. One element per line, indented by depth.
+class XmlOut
+{
+public:
+    void reserve(size_t bytes) { m_out.reserve(bytes); }
+    void declaration();
+    void start(const char* name);
+    void attribute(const char* name, QStringView value);
+    void attribute(const char* name, const QString& value) { attribute(name, QStringView(value)); }
+    void attribute(const char* name, const char* latin1);
+    void attribute(const char* name, int value);
+    void end();
+    QByteArray take();
+
+private:
+    void closeStartTag();
+    void escaped(QStringView text);
+
+    std::string m_out;
+    std::vector<const char*> m_open;
+    bool m_startOpen = false;
+};
+
+// Writes one item as <i> (with its sub-items nested, in display order, when asked).
+void writeItem(XmlOut& out, CCatalogItem& item, bool withSubItems, bool writeParentGuid);
+// The whole catalog file.
+QByteArray writeCatalog(const CCatalog& catalog);
+
+} // namespace ZEVGis::Data::CatalogXml

@@ -1,0 +1,281 @@
+// The catalog file format: round trips, the flat form, and text that is not a catalog.
+
+#include "CatalogBuilders.h"
+#include "catalog/Catalog.h"
+
+#include <QtTest>
+
+using namespace ZEVGis::Data;
+using namespace CatalogTest;
+
+namespace
+{
+
+// Everything a catalog holds, as text, in display order: two catalogs with the same dump
+// hold the same.
+void dumpItem(CCatalogItem& item, int depth, QStringList& out)
+{
+    out << QStringLiteral("%1%2|%3|m%4|g%5|o%6|d%7|pic=%8|tpl=%9|parent=%10")
+               .arg(QString(depth, u' '), item.GetGUID(), item.GetName())
+               .arg(item.GetMsgName())
+               .arg(item.IsGroup())
+               .arg(item.GetOrd())
+               .arg(item.GetIsDefault())
+               .arg(item.GetPictureRef(), item.GetTemplateName(), item.GetParentItemGuid());
+    for (const auto& category : item.GetProperties()->categories()) {
+        out << QStringLiteral("%1  [%2]").arg(QString(depth, u' '), category->GetName());
+        for (const auto& p : category->GetPropertyExVector())
+            out << QStringLiteral("%1    %2=%3 (%4) cap=%5 pic=%6 ro=%7 choices=%8")
+                       .arg(QString(depth, u' '), p->GetTag(), p->GetValue().ToString(),
+                            dataTypeName(p->GetValue().GetType()), p->GetCaption(), p->GetPictureRef())
+                       .arg(p->IsReadOnly())
+                       .arg(p->GetChoices().join(u'|'));
+    }
+    std::vector<boost::shared_ptr<CCatalogItem>> subs;
+    item.GetSortedSubItems(subs);
+    for (const auto& sub : subs)
+        dumpItem(*sub, depth + 1, out);
+}
+
+QString dump(CCatalog& catalog)
+{
+    QStringList out{QStringLiteral("ref=%1 items=%2").arg(catalog.GetReference()).arg(catalog.GetAllElementsMap()->size())};
+    std::vector<boost::shared_ptr<CCatalogItem>> roots;
+    catalog.GetSortedRootElements(roots);
+    for (const auto& root : roots)
+        dumpItem(*root, 0, out);
+    return out.join(u'\n');
+}
+
+void fillSample(CCatalog& catalog)
+{
+    catalog.SetReference(QStringLiteral("CABLES"));
+    auto group = add(catalog, QStringLiteral("{A0000000-0000-0000-0000-000000000001}"), QStringLiteral("Kabeli 1 kV"), true, {}, 2);
+    group->SetPictureRef(QStringLiteral("cables.svg"));
+    group->SetMsgName(4711);
+    auto sub = add(catalog, QStringLiteral("{A0000000-0000-0000-0000-000000000002}"), QStringLiteral("NAYY"), true, group, 1);
+    auto item = add(catalog, QStringLiteral("{A0000000-0000-0000-0000-000000000003}"), QStringLiteral("NAYY 4x150 SE"), false, sub, 0);
+    item->SetIsDefault(1);
+    item->SetTemplateName(QStringLiteral("Kabel NN"));
+    CPropertyEx choice(QStringLiteral("CONDUCTOR"), CDataBox(DataType::Choice, QStringLiteral("Al")));
+    choice.SetChoices({QStringLiteral("Al"), QStringLiteral("Cu"), QStringLiteral(" spaced ")});
+    CPropertyEx caption(QStringLiteral("CROSS_SECTION"), CDataBox::fromDouble(150));
+    caption.SetCaption(QStringLiteral("Presjek [mm²]"));
+    caption.SetPictureRef(QStringLiteral("props/section.svg"));
+    caption.SetReadOnly(1);
+    item->SetProperties(properties({{QStringLiteral("Općenito"), {prop(QString::fromUtf16(CatalogItemNameTag), CDataBox::fromString(QStringLiteral("NAYY 4x150 SE"))), choice}},
+                                    {QStringLiteral("Električki"), {caption, prop(QStringLiteral("CORES"), CDataBox::fromInt(4)), prop(QStringLiteral("ARMOURED"), CDataBox::fromBool(false))}},
+                                    {QStringLiteral("Prazna"), {}}}));
+    add(catalog, QStringLiteral("{A0000000-0000-0000-0000-000000000004}"), QStringLiteral("NAYY 4x95 SE"), false, sub, -3);
+    add(catalog, QStringLiteral("{A0000000-0000-0000-0000-000000000005}"), QStringLiteral("Stupovi"), true, {}, 1);
+}
+
+} // namespace
+
+class TestCatalogXml : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void roundTripKeepsEverything()
+    {
+        CCatalog catalog;
+        fillSample(catalog);
+        const QString xml = catalog.GetXML();
+        CCatalog loaded;
+        QVERIFY2(loaded.ParseXML(xml), qPrintable(loaded.ParseError()));
+        QCOMPARE(dump(loaded), dump(catalog));
+        QCOMPARE(loaded.GetXML(), xml); // writing is deterministic
+        QVERIFY(loaded.ParseError().isEmpty());
+
+        CCatalog fromBytes;
+        QVERIFY(fromBytes.ParseXMLBytes(catalog.GetXMLBytes()));
+        QCOMPARE(dump(fromBytes), dump(catalog));
+        // Tree links are rebuilt: parents, sub-items, root elements.
+        auto item = fromBytes.GetItembyGuid(QStringLiteral("{A0000000-0000-0000-0000-000000000003}"));
+        QVERIFY(item);
+        QCOMPARE(item->GetParentItem()->GetGUID(), QStringLiteral("{A0000000-0000-0000-0000-000000000002}"));
+        QCOMPARE(fromBytes.GetRootElementsMap()->size(), size_t(2));
+        QCOMPARE(fromBytes.GetReference(), QStringLiteral("CABLES"));
+        QCOMPARE(fromBytes.GetFactory()->GetCatalogReference(), QStringLiteral("CABLES"));
+    }
+
+    void specialTexts_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("markup") << QStringLiteral("a<b & c>\"d\" 'e' ]]> &amp;");
+        QTest::newRow("croatian") << QStringLiteral("Čvorište Đakovo – šuma, žica, ćelija");
+        QTest::newRow("outside BMP") << QStringLiteral("munja \U0001F329 utikač \U0001F50C");
+        QTest::newRow("line breaks and tabs") << QStringLiteral("first\nsecond\r\nthird\tfourth");
+        QTest::newRow("outer spaces") << QStringLiteral("  padded  ");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("long") << QString(5000, u'ž');
+    }
+
+    void specialTexts()
+    {
+        QFETCH(QString, text);
+        CCatalog catalog;
+        catalog.SetReference(text.isEmpty() ? QStringLiteral("R") : text);
+        auto item = add(catalog, QStringLiteral("{B0000000-0000-0000-0000-000000000001}"), text, false);
+        item->SetPictureRef(text);
+        item->SetTemplateName(text);
+        CPropertyEx p(text.isEmpty() ? QStringLiteral("T") : text, CDataBox::fromString(text));
+        p.SetCaption(text);
+        p.SetChoices({text, text + text});
+        item->SetProperties(properties({{text, {p}}}));
+
+        CCatalog loaded;
+        QVERIFY2(loaded.ParseXML(catalog.GetXML()), qPrintable(loaded.ParseError()));
+        QCOMPARE(dump(loaded), dump(catalog));
+        CCatalog fromBytes;
+        QVERIFY2(fromBytes.ParseXMLBytes(catalog.GetXMLBytes()), qPrintable(fromBytes.ParseError()));
+        QCOMPARE(dump(fromBytes), dump(catalog));
+    }
+
+    void flatFormWithParentGuids()
+    {
+        // Items may also be listed flat, each naming its parent.
+        const QString xml = QStringLiteral(
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+            "<catalog ref=\"POLES\">\n"
+            " <i id=\"{C2}\" n=\"Beton 9 m\" p=\"{C1}\" o=\"2\"/>\n"
+            " <i id=\"{C1}\" n=\"Betonski stupovi\" g=\"1\"/>\n"
+            " <i id=\"{C3}\" n=\"Beton 12 m\" p=\"{C1}\" o=\"1\"/>\n"
+            " <i id=\"{C4}\" n=\"Siroče\" p=\"{MISSING}\"/>\n"
+            "</catalog>\n");
+        CCatalog catalog;
+        QVERIFY2(catalog.ParseXML(xml), qPrintable(catalog.ParseError()));
+        QCOMPARE(catalog.GetAllElementsMap()->size(), size_t(4));
+        auto group = catalog.GetItembyGuid(QStringLiteral("{C1}"));
+        std::vector<boost::shared_ptr<CCatalogItem>> subs;
+        group->GetSortedSubItems(subs);
+        QCOMPARE(subs.size(), size_t(2));
+        QCOMPARE(subs[0]->GetName(), QStringLiteral("Beton 12 m"));
+        QCOMPARE(subs[0]->GetParentItem(), group);
+        // A parent that is not in the file leaves the item at the root, its parent GUID kept.
+        auto orphan = catalog.GetItembyGuid(QStringLiteral("{C4}"));
+        QVERIFY(!orphan->GetParentItem());
+        QCOMPARE(orphan->GetParentItemGuid(), QStringLiteral("{MISSING}"));
+        QCOMPARE(catalog.GetRootElementsMap()->size(), size_t(2));
+        CCatalog again;
+        QVERIFY(again.ParseXML(catalog.GetXML()));
+        QCOMPARE(dump(again), dump(catalog));
+    }
+
+    void itemsOutsideTheTreeAreKept()
+    {
+        CCatalog catalog;
+        catalog.SetReference(QStringLiteral("X"));
+        auto group = add(catalog, QStringLiteral("{D1}"), QStringLiteral("G"), true);
+        // A parent the catalog does not know, and a sub-item whose GUID is another item's.
+        auto foreignParent = boost::make_shared<CCatalogItem>();
+        foreignParent->SetGUID(QStringLiteral("{FOREIGN}"));
+        auto child = add(catalog, QStringLiteral("{D2}"), QStringLiteral("child of foreign"), false, foreignParent);
+        auto clash = boost::make_shared<CCatalogItem>();
+        clash->SetGUID(QStringLiteral("{D2}"));
+        clash->SetName(QStringLiteral("not registered"));
+        group->AddSubItem(clash);
+        QCOMPARE(catalog.AddItem(clash), 0);
+
+        CCatalog loaded;
+        QVERIFY2(loaded.ParseXML(catalog.GetXML()), qPrintable(loaded.ParseError()));
+        QCOMPARE(loaded.GetAllElementsMap()->size(), size_t(2));
+        QCOMPARE(loaded.GetItembyGuid(QStringLiteral("{D2}"))->GetName(), QStringLiteral("child of foreign"));
+        QCOMPARE(loaded.GetItembyGuid(QStringLiteral("{D2}"))->GetParentItemGuid(), QStringLiteral("{FOREIGN}"));
+        QVERIFY(loaded.GetItembyGuid(QStringLiteral("{D1}"))->GetSubItems()->empty());
+    }
+
+    void notACatalog_data()
+    {
+        QTest::addColumn<QString>("xml");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("empty") << QString() << "no document element";
+        QTest::newRow("plain text") << QStringLiteral("cables and poles") << "not well-formed";
+        QTest::newRow("unclosed") << QStringLiteral("<catalog ref=\"A\">\n <i id=\"{1}\" n=\"x\">\n</catalog>") << "line 3";
+        QTest::newRow("other root") << QStringLiteral("<registry/>") << "not <catalog>";
+        QTest::newRow("bad attribute quoting") << QStringLiteral("<catalog ref=A/>") << "not well-formed";
+        QTest::newRow("item without GUID") << QStringLiteral("<catalog>\n<i n=\"x\"/></catalog>") << "without a GUID (attribute id) (at line 2, column 1)";
+        QTest::newRow("GUID twice") << QStringLiteral("<catalog><i id=\"{1}\"/><i id=\"{2}\"><i id=\"{1}\"/></i></catalog>") << "used by two items";
+        QTest::newRow("order not a number") << QStringLiteral("<catalog><i id=\"{1}\" o=\"first\"/></catalog>") << "order number";
+        QTest::newRow("group flag") << QStringLiteral("<catalog><i id=\"{1}\" g=\"maybe\"/></catalog>") << "group flag";
+        QTest::newRow("unknown type") << QStringLiteral("<catalog><i id=\"{1}\"><c n=\"A\"><p t=\"X\" y=\"money\"/></c></i></catalog>") << "unknown property type";
+        QTest::newRow("property without tag") << QStringLiteral("<catalog><i id=\"{1}\"><c n=\"A\"><p v=\"1\"/></c></i></catalog>") << "without a tag";
+        QTest::newRow("parent cycle") << QStringLiteral("<catalog><i id=\"{1}\" p=\"{2}\"/><i id=\"{2}\" p=\"{1}\"/></catalog>") << "own ancestor";
+        QTest::newRow("newer format") << QStringLiteral("<catalog format=\"99\"/>") << "newer";
+    }
+
+    void notACatalog()
+    {
+        QFETCH(QString, xml);
+        QFETCH(QString, message);
+        CCatalog catalog;
+        fillSample(catalog);
+        const QString before = dump(catalog);
+        QCOMPARE(catalog.ParseXML(xml), 0);
+        QVERIFY2(catalog.ParseError().contains(message, Qt::CaseInsensitive), qPrintable(catalog.ParseError()));
+        QCOMPARE(dump(catalog), before); // left as it was
+        QCOMPARE(catalog.ParseXMLBytes(xml.toUtf8()), 0);
+        QCOMPARE(dump(catalog), before);
+        // A good text afterwards clears the error.
+        QVERIFY(catalog.ParseXML(QStringLiteral("<catalog ref=\"CABLES\"/>")));
+        QVERIFY(catalog.ParseError().isEmpty());
+        QVERIFY(catalog.GetAllElementsMap()->empty());
+    }
+
+    void errorPositionIsLineAndColumn()
+    {
+        CCatalog catalog;
+        QCOMPARE(catalog.ParseXML(QStringLiteral("<catalog>\n <i id=\"{1}\">\n  <c n=\"Ž\"><p t=\"A\" y=\"bogus\"/></c>\n </i>\n</catalog>")), 0);
+        QVERIFY2(catalog.ParseError().contains(QStringLiteral("line 3, column 12")), qPrintable(catalog.ParseError()));
+    }
+
+    void bytesWithByteOrderMark()
+    {
+        CCatalog catalog;
+        QByteArray bytes("\xEF\xBB\xBF<catalog ref=\"\xC5\xBD\"><i id=\"{1}\" n=\"\xC4\x8D\"/></catalog>");
+        QVERIFY2(catalog.ParseXMLBytes(bytes), qPrintable(catalog.ParseError()));
+        QCOMPARE(catalog.GetReference(), QStringLiteral("Ž"));
+        QCOMPARE(catalog.GetItembyGuid(QStringLiteral("{1}"))->GetName(), QStringLiteral("č"));
+    }
+
+    void loadedPropertiesOutliveTheirCatalog()
+    {
+        boost::shared_ptr<CPropertyEx> kept;
+        boost::shared_ptr<CCategory> category;
+        {
+            CCatalog source;
+            fillSample(source);
+            CCatalog catalog;
+            QVERIFY(catalog.ParseXML(source.GetXML()));
+            auto item = catalog.GetItembyGuid(QStringLiteral("{A0000000-0000-0000-0000-000000000003}"));
+            kept = item->GetProperty(QStringLiteral("CORES"));
+            category = item->GetProperties()->GetCategory(QStringLiteral("Općenito"));
+            item->SetProperties(boost::make_shared<CPropertiesEx>());
+            catalog.Clear();
+        }
+        QCOMPARE(kept->GetValue().ToInt(), 4);
+        QCOMPARE(category->GetPropertyExVector().size(), size_t(2));
+        QCOMPARE(category->GetPropertyEx(QStringLiteral("CONDUCTOR"))->GetChoices().size(), 3);
+    }
+
+    void loadedPropertiesAreIndependent()
+    {
+        // Shared blocks (captions, choices) must not leak an edit into other properties.
+        const QString xml = QStringLiteral(
+            "<catalog><i id=\"{1}\"><c n=\"A\"><p t=\"M\" y=\"choice\" v=\"Al\" cap=\"Materijal\"><ch v=\"Al\"/><ch v=\"Cu\"/></p></c></i>"
+            "<i id=\"{2}\"><c n=\"A\"><p t=\"M\" y=\"choice\" v=\"Cu\" cap=\"Materijal\"><ch v=\"Al\"/><ch v=\"Cu\"/></p></c></i></catalog>");
+        CCatalog catalog;
+        QVERIFY(catalog.ParseXML(xml));
+        auto first = catalog.GetItembyGuid(QStringLiteral("{1}"))->GetProperty(QStringLiteral("M"));
+        auto second = catalog.GetItembyGuid(QStringLiteral("{2}"))->GetProperty(QStringLiteral("M"));
+        first->SetCaption(QStringLiteral("Vodič"));
+        first->SetChoices({QStringLiteral("Fe")});
+        QCOMPARE(second->GetCaption(), QStringLiteral("Materijal"));
+        QCOMPARE(second->GetChoices(), QStringList({QStringLiteral("Al"), QStringLiteral("Cu")}));
+        QCOMPARE(first->GetCaption(), QStringLiteral("Vodič"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCatalogXml)
+#include "tst_catalogxml.moc"
