@@ -9,6 +9,7 @@
 
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QShowEvent>
 #include <QVBoxLayout>
 
 using ZEVGis::Data::ICatalogItemFactory;
@@ -48,13 +49,26 @@ int CPicturePreviewDlg::exec()
     return QDialog::exec();
 }
 
+// Bottom-left corner of the window (frame included) at the given point, size kept.
+void CPicturePreviewDlg::placeBottomLeft()
+{
+    move(m_position.x(), m_position.y() - frameGeometry().height());
+}
+
+void CPicturePreviewDlg::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    // The frame is known only now.
+    if (!event->spontaneous())
+        placeBottomLeft();
+}
+
 bool CPicturePreviewDlg::OnInitDialog()
 {
     // Lay the dialog out now so that the box has its real place before the picture is made.
     if (QLayout* l = layout())
         l->activate();
-    // Bottom-left corner at the given point, size kept.
-    move(m_position.x(), m_position.y() - height());
+    placeBottomLeft();
 
     m_picture->SetDrawMode(CPictureBox::PictureDrawStretched);
     const QRect boxOnScreen(m_picture->mapToGlobal(QPoint(0, 0)), m_picture->size());

@@ -51,8 +51,11 @@ protected:
     // Places the dialog and asks the factory for the picture. False when there is none:
     // the user has been told and the dialog is to be cancelled.
     bool OnInitDialog();
+    void showEvent(QShowEvent* event) override;
 
 private:
+    void placeBottomLeft();
+
     QString m_pictureRef;
     boost::shared_ptr<ZEVGis::Data::CCatalogItem> m_item;
     boost::shared_ptr<ZEVGis::Data::CCatalog> m_catalog;

@@ -4,6 +4,7 @@
 #include "controls/PropertyGridModel.h"
 
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QRegularExpressionValidator>
 
@@ -81,4 +82,27 @@ QSize PropertyGridDelegate::sizeHint(const QStyleOptionViewItem& option,
     QSize size = QStyledItemDelegate::sizeHint(option, index);
     size.setHeight(std::max(size.height() + 4, 22));
     return size;
+}
+
+void PropertyGridDelegate::destroyEditor(QWidget* editor, const QModelIndex& index) const
+{
+    if (m_editor == editor)
+        m_editor = nullptr;
+    QStyledItemDelegate::destroyEditor(editor, index);
+}
+
+bool PropertyGridDelegate::eventFilter(QObject* object, QEvent* event)
+{
+    // Enter commits at once rather than from the event queue: the owner hears of the change
+    // before the key press returns, and nothing is left pending when the grid is refilled.
+    auto* editor = qobject_cast<QWidget*>(object);
+    if (editor && editor == m_editor && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            emit commitData(editor);
+            emit closeEditor(editor, QAbstractItemDelegate::SubmitModelCache);
+            return true;
+        }
+    }
+    return QStyledItemDelegate::eventFilter(object, event);
 }

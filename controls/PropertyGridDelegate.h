@@ -19,8 +19,13 @@ public:
                       const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
+    void destroyEditor(QWidget* editor, const QModelIndex& index) const override;
+
     // The editor open now, if any.
     QWidget* currentEditor() const { return m_editor; }
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
     mutable QPointer<QWidget> m_editor;

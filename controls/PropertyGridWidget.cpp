@@ -46,6 +46,16 @@ void PropertyGridView::cancelEditing()
             closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
 }
 
+// An owner that refilled the grid while an edit was being written has already taken the
+// editor away; there is nothing left to close then.
+void PropertyGridView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint)
+{
+    auto* delegate = qobject_cast<PropertyGridDelegate*>(itemDelegate());
+    if (delegate && delegate->currentEditor() != editor)
+        return;
+    QTreeView::closeEditor(editor, hint);
+}
+
 bool PropertyGridView::toggleBoolean(const QModelIndex& valueIndex)
 {
     if (!(model()->flags(valueIndex) & Qt::ItemIsUserCheckable))

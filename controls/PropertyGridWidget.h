@@ -23,9 +23,12 @@ public:
 
     // Closes an open editor without writing its text.
     void cancelEditing();
+    // True while an in-place editor is open.
+    bool isEditing() const { return state() == QAbstractItemView::EditingState; }
 
 protected:
     bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
+    void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 

@@ -1,0 +1,216 @@
+#include "catalog/Catalog.h"
+#include "catalog/CatalogItem.h"
+#include "catalog/ModuleConfiguration.h"
+#include "controls/ControlId.h"
+#include "controls/PictureBox.h"
+#include "controls/PicturePreviewDlg.h"
+#include "host/ScriptedHost.h"
+
+#include <QApplication>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <boost/make_shared.hpp>
+
+using namespace ZEVGis::Data;
+
+namespace
+{
+
+// Left half red, right half blue.
+QImage twoColourImage(const QSize& size)
+{
+    QImage image(size, QImage::Format_ARGB32);
+    image.fill(Qt::red);
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = size.width() / 2; x < size.width(); ++x)
+            image.setPixelColor(x, y, Qt::blue);
+    return image;
+}
+
+// A factory that hands out a fixed picture and remembers what it was asked.
+class FakeFactory : public CDefaultCatalogItemFactory
+{
+public:
+    QImage CreatePictureBitmap(const QString& ref, CCatalogItem* item, const QRect& rect,
+                               int* drawMode) override
+    {
+        ++calls;
+        askedRef = ref;
+        askedItem = item;
+        askedRect = rect;
+        modeIn = *drawMode;
+        *drawMode = modeOut;
+        return picture;
+    }
+    QImage picture;
+    int modeOut = 0;
+    int calls = 0;
+    QString askedRef;
+    CCatalogItem* askedItem = nullptr;
+    QRect askedRect;
+    int modeIn = -1;
+};
+
+} // namespace
+
+class TestPictureBox : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { QTest::failOnWarning(QRegularExpression("^(?!This plugin does not support).*")); }
+
+    void drawsByMode_data()
+    {
+        QTest::addColumn<unsigned>("mode");
+        QTest::addColumn<QSize>("imageSize");
+        QTest::addColumn<QList<QPoint>>("red");
+        QTest::addColumn<QList<QPoint>>("blue");
+        QTest::addColumn<QList<QPoint>>("background");
+        // The box is 100 x 80.
+        QTest::newRow("top left") << 0u << QSize(40, 20) << QList<QPoint>{{0, 0}, {19, 19}}
+                                  << QList<QPoint>{{20, 0}, {39, 19}}
+                                  << QList<QPoint>{{40, 0}, {0, 20}, {99, 79}};
+        // 100 / 2 - 41 / 2 = 30 (not 29), 80 / 2 - 21 / 2 = 30.
+        QTest::newRow("centred, halves each") << 1u << QSize(41, 21) << QList<QPoint>{{30, 30}, {49, 50}}
+                                             << QList<QPoint>{{50, 30}, {70, 50}}
+                                             << QList<QPoint>{{29, 30}, {30, 29}, {71, 30}, {30, 51}};
+        // Larger than the box: drawn from (-25, -10), clipped.
+        QTest::newRow("centred, larger") << 1u << QSize(150, 100) << QList<QPoint>{{0, 0}, {49, 79}}
+                                        << QList<QPoint>{{50, 0}, {99, 79}} << QList<QPoint>{};
+        QTest::newRow("stretched") << 2u << QSize(10, 10) << QList<QPoint>{{0, 0}, {40, 79}}
+                                   << QList<QPoint>{{60, 0}, {99, 79}} << QList<QPoint>{};
+        QTest::newRow("mode 3") << 3u << QSize(10, 10) << QList<QPoint>{} << QList<QPoint>{}
+                                << QList<QPoint>{{0, 0}, {50, 40}};
+        QTest::newRow("no picture") << 0u << QSize() << QList<QPoint>{} << QList<QPoint>{}
+                                    << QList<QPoint>{{0, 0}, {50, 40}};
+    }
+    void drawsByMode()
+    {
+        QFETCH(unsigned, mode);
+        QFETCH(QSize, imageSize);
+        QFETCH(QList<QPoint>, red);
+        QFETCH(QList<QPoint>, blue);
+        QFETCH(QList<QPoint>, background);
+        CPictureBox box;
+        QCOMPARE(box.GetDrawMode(), 1u);
+        box.resize(100, 80);
+        box.SetDrawMode(mode);
+        box.SetBitmap(imageSize.isValid() ? twoColourImage(imageSize) : QImage());
+        QCOMPARE(box.isTransparent(), !imageSize.isValid());
+        const QImage shot = box.grab().toImage();
+        const QColor face = box.palette().color(QPalette::Button);
+        for (const QPoint& p : red)
+            QVERIFY2(shot.pixelColor(p) == QColor(Qt::red), qPrintable(QString("red at %1,%2").arg(p.x()).arg(p.y())));
+        for (const QPoint& p : blue)
+            QVERIFY2(shot.pixelColor(p) == QColor(Qt::blue), qPrintable(QString("blue at %1,%2").arg(p.x()).arg(p.y())));
+        for (const QPoint& p : background)
+            QVERIFY2(shot.pixelColor(p) == face, qPrintable(QString("face at %1,%2").arg(p.x()).arg(p.y())));
+    }
+
+    void loadsFromFile()
+    {
+        QTemporaryDir dir;
+        QVERIFY(dir.isValid());
+        const QString good = dir.filePath("picture.png");
+        QVERIFY(twoColourImage(QSize(8, 6)).save(good));
+        const QString bad = dir.filePath("broken.png");
+        {
+            QFile file(bad);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("not a picture");
+        }
+        CPictureBox box;
+        QCOMPARE(box.LoadFromFile(good), 1);
+        QCOMPARE(box.image().size(), QSize(8, 6));
+        QVERIFY(!box.isTransparent());
+        for (const QString& path : {bad, dir.filePath("missing.png")}) {
+            QCOMPARE(box.LoadFromFile(path), 0);
+            QVERIFY(!box.hasImage());
+            QVERIFY(box.isTransparent());
+        }
+    }
+
+    void previewDialog_data()
+    {
+        QTest::addColumn<bool>("withCatalog");
+        QTest::addColumn<bool>("withItem");
+        QTest::addColumn<bool>("withPicture");
+        QTest::newRow("picture") << true << true << true;
+        QTest::newRow("no picture") << true << true << false;
+        QTest::newRow("no catalog") << false << true << true;
+        QTest::newRow("no item") << true << false << true;
+    }
+    void previewDialog()
+    {
+        QFETCH(bool, withCatalog);
+        QFETCH(bool, withItem);
+        QFETCH(bool, withPicture);
+        ZEVGis::Host::ScriptedHost host;
+        ZEVGis::Host::ScopedHostServices scope(host);
+        auto factory = boost::make_shared<FakeFactory>();
+        factory->modeOut = 0;
+        if (withPicture)
+            factory->picture = twoColourImage(QSize(30, 20));
+        auto catalog = boost::make_shared<CCatalog>();
+        catalog->SetFactory(factory);
+        auto item = boost::make_shared<CCatalogItem>();
+        item->SetName(QStringLiteral("Valve"));
+
+        CPicturePreviewDlg dialog;
+        dialog.SetPictureRef(QStringLiteral("valve.svg"));
+        if (withCatalog)
+            dialog.SetCatalog(catalog);
+        if (withItem)
+            dialog.SetItem(item);
+        dialog.SetPosition(300, 500);
+
+        QPoint shownAt;
+        unsigned shownMode = 99;
+        bool closed = false;
+        // A timer of this scope: it never fires into a later test.
+        QTimer showing;
+        showing.setSingleShot(true);
+        connect(&showing, &QTimer::timeout, this, [&] {
+            auto* modal = qobject_cast<CPicturePreviewDlg*>(QApplication::activeModalWidget());
+            if (!modal)
+                return;
+            shownAt = modal->frameGeometry().bottomLeft() + QPoint(0, 1);
+            shownMode = modal->pictureBox()->GetDrawMode();
+            auto* close = qobject_cast<QPushButton*>(findControlById(modal, 2));
+            if (close) {
+                QTest::mouseClick(close, Qt::LeftButton);
+                closed = true;
+            }
+        });
+        showing.start(0);
+        QCOMPARE(dialog.exec(), int(QDialog::Rejected));
+
+        const bool asked = withCatalog && withItem;
+        QCOMPARE(factory->calls, asked ? 1 : 0);
+        QCOMPARE(dialog.windowTitle() == "Valve", asked);
+        if (asked) {
+            QCOMPARE(factory->askedRef, "valve.svg");
+            QCOMPARE(factory->askedItem, item.get());
+            QCOMPARE(factory->modeIn, 2);
+            QCOMPARE(factory->askedRect.size(), dialog.pictureBox()->size());
+        }
+        if (asked && withPicture) {
+            QVERIFY(closed);
+            QCOMPARE(shownAt, QPoint(300, 500));
+            QCOMPARE(shownMode, 0u);
+            QCOMPARE(dialog.pictureBox()->image(), factory->picture);
+            QVERIFY(host.alerts().isEmpty());
+        } else {
+            QVERIFY(!closed);
+            QVERIFY(!dialog.pictureBox()->hasImage());
+            QVERIFY(dialog.pictureBox()->isTransparent());
+            QCOMPARE(host.alerts(), QStringList{ZEVGis::CModuleConfiguration::Instance()->GetMsg(7282)});
+        }
+    }
+};
+
+QTEST_MAIN(TestPictureBox)
+#include "tst_picturebox.moc"
