@@ -1,6 +1,6 @@
 // The element loop: walks the tokens of the text once and builds the index of its elements.
 // Open elements live on an explicit stack, never on the call stack, so nesting depth costs
-// 32 bytes a level and nothing else.
+// 40 bytes a level and nothing else.
 
 #include "xml/XmlDocument.h"
 #include "xml/XmlScanner.h"
@@ -63,7 +63,12 @@ private:
     void appendChild(int32_t child);
     void push(const XmlTokenPos& token, int32_t record);
     void endElement(const XmlTokenPos& token);
-    int findOpen(const XmlTokenPos& endTag) const;
+    int findOpen(const XmlTokenPos& endTag);
+    void popTo(int depth)
+    {
+        m_depth = depth;
+        m_miss.depth = std::min(m_miss.depth, depth);
+    }
     void closeUnended(int from, Unended reason, const XmlTokenPos* endTag);
     QString unendedMessage(Unended reason, const XmlTokenPos* endTag) const;
 
@@ -77,6 +82,13 @@ private:
     std::unique_ptr<OpenElement[]> m_stack;
     int m_depth = 0;
     int m_stackCapacity = 0;
+    // The last end-tag name that matched no open element, and the depth searched for it.
+    struct
+    {
+        int32_t start = 0;
+        int32_t length = -1;
+        int depth = 0;
+    } m_miss;
 };
 
 int CXmlDocument::parseElements(int parentRecord)
@@ -201,16 +213,22 @@ void CXmlDocument::ElementLoop::endElement(const XmlTokenPos& token)
     element.length = token.End() - element.start;
     element.tagLengths = int32_t((uint32_t(element.tagLengths) & ElementPos::StartTagMask) |
                                  (uint32_t(token.length) << ElementPos::EndTagShift));
-    m_depth = match;
+    popTo(match);
 }
 
 // The open element, innermost first, that an end tag closes: its name begins with the end
 // tag's name and ends there or goes on with one of " =/[]".
-int CXmlDocument::ElementLoop::findOpen(const XmlTokenPos& endTag) const
+int CXmlDocument::ElementLoop::findOpen(const XmlTokenPos& endTag)
 {
     const int32_t length = endTag.nameLength;
     const QStringView wanted = name(endTag.nameStart, length);
-    for (int i = m_depth - 1; i >= 0; --i)
+    // A name that matched nothing before matches nothing below the depth searched then: a run
+    // of stray end tags under deep nesting stays linear.
+    const bool missedBefore =
+        m_miss.length == length && std::equal(wanted.begin(), wanted.end(), m_text + m_miss.start);
+    const int lowest = missedBefore ? m_miss.depth : 0;
+    m_miss = {endTag.nameStart, length, m_depth};
+    for (int i = m_depth - 1; i >= lowest; --i)
     {
         const XmlTokenPos& open = m_stack[i].token;
         if (open.nameLength < length)
@@ -223,7 +241,10 @@ int CXmlDocument::ElementLoop::findOpen(const XmlTokenPos& endTag) const
         }
         if (m_ignoreCase ? name(open.nameStart, length).compare(wanted, Qt::CaseInsensitive) == 0
                          : std::equal(wanted.begin(), wanted.end(), m_text + open.nameStart))
+        {
+            m_miss.length = -1;
             return i;
+        }
     }
     return -1;
 }
@@ -279,7 +300,7 @@ void CXmlDocument::ElementLoop::closeUnended(int from, Unended reason, const Xml
     (from ? m_stack[from - 1].children : m_parentChildren).last = lastOfChain;
     if (errorMovesUp)
         m_doc.record(parent).flags |= ElementPos::HasError;
-    m_depth = from;
+    popTo(from);
 }
 
 QString CXmlDocument::ElementLoop::unendedMessage(Unended reason, const XmlTokenPos* endTag) const

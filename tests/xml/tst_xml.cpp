@@ -405,29 +405,37 @@ void TestXmlDocument::parseKeepsLoadReport()
 void TestXmlDocument::deepNesting_data()
 {
     QTest::addColumn<bool>("ended");
-    QTest::newRow("ended") << true;
-    QTest::newRow("never ended") << false;
+    QTest::addColumn<QString>("between");
+    QTest::addColumn<QString>("result");
+    const int depth = 100000;
+    QTest::newRow("ended") << true << QString() << QString();
+    QTest::newRow("never ended") << false << QString() << "Root element has sibling";
+    QTest::newRow("stray end tags") << false << repeated(QStringLiteral("</x>"), depth)
+                                    << "No start tag for end tag 'x' at offset 300000";
 }
 
 void TestXmlDocument::deepNesting()
 {
     QFETCH(bool, ended);
+    QFETCH(QString, between);
+    QFETCH(QString, result);
     const int depth = 100000;
     CXmlDocument doc;
-    const QString text = repeated(QStringLiteral("<a>"), depth) +
-                         (ended ? repeated(QStringLiteral("</a>"), depth) : QString());
+    const QString text =
+        repeated(QStringLiteral("<a>"), depth) + between +
+        (ended || !between.isEmpty() ? repeated(QStringLiteral("</a>"), depth) : QString());
     QCOMPARE(doc.SetDocumentText(text), ended);
+    QCOMPARE(doc.GetResult(), result);
     QCOMPARE(doc.RecordCount(), depth + 1);
     const ElementPos& deepest = doc.Record(depth);
     QCOMPARE(deepest.Level(), (depth - 1) & 0xFFFF);
-    if (ended)
+    if (ended || !between.isEmpty())
     {
         QCOMPARE(deepest.parent, depth - 1);
         QCOMPARE(doc.Record(1).length, text.size());
     }
     else
     {
-        QCOMPARE(doc.GetResult(), QStringLiteral("Root element has sibling"));
         QCOMPARE(deepest.parent, 0);
         QCOMPARE(doc.Record(1).prevSibling, depth);
     }
