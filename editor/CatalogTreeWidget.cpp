@@ -101,6 +101,8 @@ QTreeWidgetItem* CatalogTreeWidget::fill(Data::CCatalog* catalog, const QString&
     auto* root = new CatalogTreeRowItem(nullptr, rootText, rootImage, m_images);
     const std::vector<CatalogTreeRow> rows = CatalogTreeRows(catalog);
     std::vector<QTreeWidgetItem*> made(rows.size());
+    if (rowMap)
+        rowMap->reserve(rows.size());
     for (size_t i = 0; i < rows.size(); ++i)
     {
         const CatalogTreeRow& row = rows[i];
