@@ -1,11 +1,11 @@
 // Any byte string, read as UTF-8, must parse without a crash, a hang or a sanitizer report, and
-// leave an index whose links agree and a verdict that agrees with the result text. The block
-// searches of the scanner and the decoder are checked against their plain counterparts.
+// leave an index whose links agree and a verdict that agrees with the result text. The fast
+// paths of the parser and the decoder are checked against their plain counterparts.
 
 #include "tests/xml/XmlIndexCheck.h"
 #include "xml/Utf8Decoder.h"
-#include "xml/XmlCharSearch.h"
 #include "xml/XmlDocument.h"
+#include "xml/XmlFastPaths.h"
 
 #include <QStringDecoder>
 
@@ -77,14 +77,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (wellFormed == !doc.GetResult().isEmpty())
         fail("verdict and result disagree", doc.GetResult());
 
-    XmlCharSearch::UseBlocks = false;
+    XmlFastPaths::Enabled = false;
     CXmlDocument plain;
     plain.SetDocFlags(flags);
     const bool plainWellFormed = plain.SetDocumentText(text);
-    XmlCharSearch::UseBlocks = true;
+    XmlFastPaths::Enabled = true;
     if (plainWellFormed != wellFormed || plain.GetResult() != doc.GetResult() ||
         dumpIndex(plain) != dumpIndex(doc))
-        fail("block searches differ from plain ones",
+        fail("fast paths differ from the plain parse",
              doc.GetResult() + QStringLiteral(" / ") + plain.GetResult());
     return 0;
 }

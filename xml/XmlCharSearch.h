@@ -4,6 +4,8 @@
 // loaded only while it lies wholly before `end` (the text's terminating 0), so nothing past the
 // text is read; the rest is searched one unit at a time, and a 0 always stops a search.
 
+#include "xml/XmlFastPaths.h"
+
 #include <cstdint>
 
 #if defined(__SSE2__)
@@ -12,8 +14,6 @@
 
 namespace XmlCharSearch
 {
-// Off only to check the block searches against the plain ones (the fuzz target does).
-inline bool UseBlocks = true;
 
 #if defined(__SSE2__)
 inline __m128i load(const char16_t* p)
@@ -36,7 +36,7 @@ template <char16_t... Cs>
 inline const char16_t* FindAnyOrZero(const char16_t* p, const char16_t* end)
 {
 #if defined(__SSE2__)
-    for (; UseBlocks && end - p >= 8; p += 8)
+    for (; XmlFastPaths::Enabled && end - p >= 8; p += 8)
     {
         const __m128i block = load(p);
         const __m128i matches = (equal(block, 0) | ... | equal(block, Cs));
@@ -58,7 +58,7 @@ inline const char16_t* FindAnyOrZero(const char16_t* p, const char16_t* end)
 inline const char16_t* FindOrZero(const char16_t* p, const char16_t* end, char16_t c)
 {
 #if defined(__SSE2__)
-    for (; UseBlocks && end - p >= 8; p += 8)
+    for (; XmlFastPaths::Enabled && end - p >= 8; p += 8)
     {
         const __m128i block = load(p);
         int found;
@@ -76,7 +76,7 @@ inline const char16_t* FindOrZero(const char16_t* p, const char16_t* end, char16
 inline const char16_t* SkipSpaces(const char16_t* p, const char16_t* end)
 {
 #if defined(__SSE2__)
-    for (; UseBlocks && end - p >= 8; p += 8)
+    for (; XmlFastPaths::Enabled && end - p >= 8; p += 8)
     {
         const __m128i block = load(p);
         const __m128i spaces =

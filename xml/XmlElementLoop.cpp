@@ -3,6 +3,7 @@
 // 40 bytes a level and nothing else.
 
 #include "xml/XmlDocument.h"
+#include "xml/XmlFastPaths.h"
 #include "xml/XmlScanner.h"
 
 #include <QStringView>
@@ -224,8 +225,8 @@ int CXmlDocument::ElementLoop::findOpen(const XmlTokenPos& endTag)
     const QStringView wanted = name(endTag.nameStart, length);
     // A name that matched nothing before matches nothing below the depth searched then: a run
     // of stray end tags under deep nesting stays linear.
-    const bool missedBefore =
-        m_miss.length == length && std::equal(wanted.begin(), wanted.end(), m_text + m_miss.start);
+    const bool missedBefore = XmlFastPaths::Enabled && m_miss.length == length &&
+                              std::equal(wanted.begin(), wanted.end(), m_text + m_miss.start);
     const int lowest = missedBefore ? m_miss.depth : 0;
     m_miss = {endTag.nameStart, length, m_depth};
     for (int i = m_depth - 1; i >= lowest; --i)

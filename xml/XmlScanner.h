@@ -105,7 +105,7 @@ private:
     int32_t nameEnd(int32_t i) const
     {
 #if defined(__SSE2__)
-        if (XmlCharSearch::UseBlocks && m_end - m_s - i >= 16)
+        if (XmlFastPaths::Enabled && m_end - m_s - i >= 16)
             if (const unsigned stops = XmlCharSearch::NameStopCandidates(m_s + i))
             {
                 const int32_t stop = i + __builtin_ctz(stops);
@@ -190,7 +190,7 @@ private:
 #if defined(__SSE2__)
         using namespace XmlCharSearch;
         const char16_t* p = m_s + pos + 1;
-        if (!UseBlocks || m_end - p < 16)
+        if (!XmlFastPaths::Enabled || m_end - p < 16)
             return false;
         const unsigned stops = NameStopCandidates(p);
         if (!stops)
