@@ -22,7 +22,8 @@ QWidget* findControlById(const QWidget* root, int id)
 {
     if (!root)
         return nullptr;
-    for (QObject* child : root->children()) {
+    for (QObject* child : root->children())
+    {
         auto* widget = qobject_cast<QWidget*>(child);
         if (!widget)
             continue;

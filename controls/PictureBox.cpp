@@ -42,7 +42,8 @@ void CPictureBox::setTransparent(bool transparent)
 
 QRect CPictureBox::pictureRect(unsigned mode, const QSize& boxSize, const QSize& imageSize)
 {
-    switch (mode) {
+    switch (mode)
+    {
     case PictureDrawTopLeft:
         return QRect(QPoint(0, 0), imageSize);
     case PictureDrawCentered:

@@ -42,7 +42,8 @@ CPicturePreviewDlg::~CPicturePreviewDlg() = default;
 
 int CPicturePreviewDlg::exec()
 {
-    if (!OnInitDialog()) {
+    if (!OnInitDialog())
+    {
         setResult(Rejected);
         return Rejected;
     }
@@ -75,13 +76,15 @@ bool CPicturePreviewDlg::OnInitDialog()
 
     QImage picture;
     int mode = CPictureBox::PictureDrawStretched;
-    if (m_catalog && m_item) {
+    if (m_catalog && m_item)
+    {
         if (boost::shared_ptr<ICatalogItemFactory> factory = m_catalog->GetFactory())
             picture = factory->CreatePictureBitmap(m_pictureRef, m_item.get(), boxOnScreen, &mode);
         setWindowTitle(m_item->GetName());
     }
 
-    if (!picture.isNull()) {
+    if (!picture.isNull())
+    {
         m_picture->SetDrawMode(unsigned(mode));
         m_picture->SetBitmap(picture);
         return true;

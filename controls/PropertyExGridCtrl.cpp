@@ -12,8 +12,7 @@ CPropertyExGridCtrl::~CPropertyExGridCtrl()
     delete m_widget.data();
 }
 
-int CPropertyExGridCtrl::CreatePropertyGrid(QWidget* parent, unsigned placeholderId,
-                                            unsigned newId)
+int CPropertyExGridCtrl::CreatePropertyGrid(QWidget* parent, unsigned placeholderId, unsigned newId)
 {
     QWidget* placeholder = findControlById(parent, int(placeholderId));
     if (!placeholder || !placeholder->parentWidget())

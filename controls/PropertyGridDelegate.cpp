@@ -24,12 +24,15 @@ QWidget* PropertyGridDelegate::createEditor(QWidget* parent, const QStyleOptionV
     QWidget* editor = nullptr;
     if (type == DataType::Boolean)
         return nullptr;
-    if (type == DataType::Choice
-        && !index.data(PropertyGridModel::ChoicesRole).toStringList().isEmpty()) {
+    if (type == DataType::Choice &&
+        !index.data(PropertyGridModel::ChoicesRole).toStringList().isEmpty())
+    {
         auto* combo = new QComboBox(parent);
         combo->setFrame(false);
         editor = combo;
-    } else {
+    }
+    else
+    {
         auto* line = new QLineEdit(parent);
         line->setFrame(false);
         // The validators only keep out characters that can never make a number; the model
@@ -39,7 +42,8 @@ QWidget* PropertyGridDelegate::createEditor(QWidget* parent, const QStyleOptionV
                 QRegularExpression(QStringLiteral("\\s*[+-]?[0-9]*\\s*")), line));
         else if (type == DataType::Double)
             line->setValidator(new QRegularExpressionValidator(
-                QRegularExpression(QStringLiteral("\\s*[+-]?[0-9]*[.,]?[0-9]*([eE][+-]?[0-9]*)?\\s*")),
+                QRegularExpression(
+                    QStringLiteral("\\s*[+-]?[0-9]*[.,]?[0-9]*([eE][+-]?[0-9]*)?\\s*")),
                 line));
         editor = line;
     }
@@ -51,17 +55,21 @@ QWidget* PropertyGridDelegate::createEditor(QWidget* parent, const QStyleOptionV
 void PropertyGridDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const
 {
     const QString text = index.data(Qt::EditRole).toString();
-    if (auto* combo = qobject_cast<QComboBox*>(editor)) {
+    if (auto* combo = qobject_cast<QComboBox*>(editor))
+    {
         combo->clear();
         combo->addItems(index.data(PropertyGridModel::ChoicesRole).toStringList());
         int current = combo->findText(text, Qt::MatchExactly);
-        if (current < 0) {
+        if (current < 0)
+        {
             // A value outside the list stays selectable, so that leaving the editor keeps it.
             combo->insertItem(0, text);
             current = 0;
         }
         combo->setCurrentIndex(current);
-    } else if (auto* line = qobject_cast<QLineEdit*>(editor)) {
+    }
+    else if (auto* line = qobject_cast<QLineEdit*>(editor))
+    {
         line->setText(text);
         line->selectAll();
     }
@@ -96,9 +104,11 @@ bool PropertyGridDelegate::eventFilter(QObject* object, QEvent* event)
     // Enter commits at once rather than from the event queue: the owner hears of the change
     // before the key press returns, and nothing is left pending when the grid is refilled.
     auto* editor = qobject_cast<QWidget*>(object);
-    if (editor && editor == m_editor && event->type() == QEvent::KeyPress) {
+    if (editor && editor == m_editor && event->type() == QEvent::KeyPress)
+    {
         const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+        if (key == Qt::Key_Return || key == Qt::Key_Enter)
+        {
             emit commitData(editor);
             emit closeEditor(editor, QAbstractItemDelegate::SubmitModelCache);
             return true;

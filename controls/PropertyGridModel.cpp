@@ -44,7 +44,8 @@ void PropertyGridModel::rebuild()
     m_flat.clear();
     if (!m_properties)
         return;
-    for (const auto& category : m_properties->categories()) {
+    for (const auto& category : m_properties->categories())
+    {
         if (!category)
             continue;
         Section section{category->GetName(), {}};
@@ -57,9 +58,11 @@ void PropertyGridModel::rebuild()
             m_flat.insert(m_flat.end(), section.properties.begin(), section.properties.end());
     }
     if (!m_categorized)
-        std::stable_sort(m_flat.begin(), m_flat.end(), [](const PropertyPtr& a, const PropertyPtr& b) {
-            return QString::compare(a->GetCaption(), b->GetCaption(), Qt::CaseInsensitive) < 0;
-        });
+        std::stable_sort(m_flat.begin(), m_flat.end(),
+                         [](const PropertyPtr& a, const PropertyPtr& b) {
+                             return QString::compare(a->GetCaption(), b->GetCaption(),
+                                                     Qt::CaseInsensitive) < 0;
+                         });
 }
 
 void PropertyGridModel::setPrecision(int digits)
@@ -86,11 +89,13 @@ void PropertyGridModel::valuesChanged()
     if (top == 0)
         return;
     emit dataChanged(index(0, ValueColumn), index(top - 1, ValueColumn));
-    for (int row = 0; row < top; ++row) {
+    for (int row = 0; row < top; ++row)
+    {
         const QModelIndex parent = index(row, 0);
         const int children = rowCount(parent);
         if (children > 0)
-            emit dataChanged(index(0, CaptionColumn, parent), index(children - 1, ValueColumn, parent));
+            emit dataChanged(index(0, CaptionColumn, parent),
+                             index(children - 1, ValueColumn, parent));
     }
 }
 
@@ -99,7 +104,8 @@ PropertyGridModel::PropertyPtr PropertyGridModel::propertyPtrAt(const QModelInde
     if (!index.isValid() || index.model() != this)
         return {};
     const quintptr id = index.internalId();
-    if (id == 0) {
+    if (id == 0)
+    {
         if (m_categorized || index.row() >= int(m_flat.size()))
             return {};
         return m_flat[size_t(index.row())];
@@ -117,13 +123,15 @@ CPropertyEx* PropertyGridModel::propertyAt(const QModelIndex& index) const
 
 QModelIndex PropertyGridModel::indexOfTag(const QString& tag) const
 {
-    if (!m_categorized) {
+    if (!m_categorized)
+    {
         for (size_t row = 0; row < m_flat.size(); ++row)
             if (m_flat[row]->GetTag() == tag)
                 return index(int(row), 0);
         return {};
     }
-    for (size_t s = 0; s < m_sections.size(); ++s) {
+    for (size_t s = 0; s < m_sections.size(); ++s)
+    {
         const auto& properties = m_sections[s].properties;
         for (size_t row = 0; row < properties.size(); ++row)
             if (properties[row]->GetTag() == tag)
@@ -142,13 +150,14 @@ QModelIndex PropertyGridModel::index(int row, int column, const QModelIndex& par
 {
     if (row < 0 || column < 0 || column > ValueColumn)
         return {};
-    if (!parent.isValid()) {
+    if (!parent.isValid())
+    {
         const size_t count = m_categorized ? m_sections.size() : m_flat.size();
         return size_t(row) < count ? createIndex(row, column, quintptr(0)) : QModelIndex();
     }
     // Only category rows have children.
-    if (!m_categorized || parent.internalId() != 0 || parent.column() != 0
-        || size_t(parent.row()) >= m_sections.size())
+    if (!m_categorized || parent.internalId() != 0 || parent.column() != 0 ||
+        size_t(parent.row()) >= m_sections.size())
         return {};
     if (size_t(row) >= m_sections[size_t(parent.row())].properties.size())
         return {};
@@ -166,8 +175,8 @@ int PropertyGridModel::rowCount(const QModelIndex& parent) const
 {
     if (!parent.isValid())
         return int(m_categorized ? m_sections.size() : m_flat.size());
-    if (!m_categorized || parent.internalId() != 0 || parent.column() != 0
-        || size_t(parent.row()) >= m_sections.size())
+    if (!m_categorized || parent.internalId() != 0 || parent.column() != 0 ||
+        size_t(parent.row()) >= m_sections.size())
         return 0;
     return int(m_sections[size_t(parent.row())].properties.size());
 }
@@ -181,12 +190,14 @@ QVariant PropertyGridModel::valueData(const CPropertyEx& property, int role) con
 {
     const CDataBox value = property.GetValue();
     const bool isBool = value.GetType() == DataType::Boolean;
-    switch (role) {
+    switch (role)
+    {
     case Qt::DisplayRole:
     case Qt::ToolTipRole:
         return isBool ? QVariant() : QVariant(formatPropertyValue(value, m_precision));
     case Qt::EditRole:
-        return isBool ? QVariant(value.ToBool()) : QVariant(formatPropertyValue(value, m_precision));
+        return isBool ? QVariant(value.ToBool())
+                      : QVariant(formatPropertyValue(value, m_precision));
     case Qt::CheckStateRole:
         return isBool ? QVariant(value.ToBool() ? Qt::Checked : Qt::Unchecked) : QVariant();
     case ChoicesRole:
@@ -201,21 +212,24 @@ QVariant PropertyGridModel::data(const QModelIndex& index, int role) const
     if (!index.isValid() || index.model() != this)
         return {};
     const CPropertyEx* property = propertyAt(index);
-    if (!property) {
+    if (!property)
+    {
         if (!m_categorized || index.internalId() != 0 || size_t(index.row()) >= m_sections.size())
             return {};
         if (role == IsCategoryRole)
             return true;
         if (index.column() == CaptionColumn && (role == Qt::DisplayRole || role == Qt::ToolTipRole))
             return m_sections[size_t(index.row())].name;
-        if (role == Qt::FontRole) {
+        if (role == Qt::FontRole)
+        {
             QFont bold;
             bold.setBold(true);
             return bold;
         }
         return {};
     }
-    switch (role) {
+    switch (role)
+    {
     case IsCategoryRole:
         return false;
     case TagRole:
@@ -230,8 +244,9 @@ QVariant PropertyGridModel::data(const QModelIndex& index, int role) const
         break;
     }
     if (index.column() == CaptionColumn)
-        return (role == Qt::DisplayRole || role == Qt::ToolTipRole) ? QVariant(property->GetCaption())
-                                                                     : QVariant();
+        return (role == Qt::DisplayRole || role == Qt::ToolTipRole)
+                   ? QVariant(property->GetCaption())
+                   : QVariant();
     return valueData(*property, role);
 }
 
@@ -256,10 +271,14 @@ bool PropertyGridModel::setData(const QModelIndex& index, const QVariant& value,
     const CDataBox old = property->GetValue();
     const DataType type = old.GetType();
     CDataBox updated;
-    if (type == DataType::Boolean && (role == Qt::CheckStateRole || value.typeId() == QMetaType::Bool)) {
+    if (type == DataType::Boolean &&
+        (role == Qt::CheckStateRole || value.typeId() == QMetaType::Bool))
+    {
         const bool on = role == Qt::CheckStateRole ? value.toInt() == Qt::Checked : value.toBool();
         updated = CDataBox::fromBool(on);
-    } else if (role == Qt::EditRole) {
+    }
+    else if (role == Qt::EditRole)
+    {
         const QString text = value.toString();
         // Text given back as it was shown means no change: a double shown rounded keeps
         // its full value.
@@ -267,7 +286,9 @@ bool PropertyGridModel::setData(const QModelIndex& index, const QVariant& value,
             return true;
         if (!parsePropertyValue(type, text, property->GetChoices(), updated))
             return false;
-    } else {
+    }
+    else
+    {
         return false;
     }
     if (updated == old)

@@ -26,8 +26,8 @@ PropertyGridView::PropertyGridView(QWidget* parent) : QTreeView(parent)
     setRootIsDecorated(true);
     setUniformRowHeights(true);
     setIndentation(14);
-    setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked
-                    | QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
+    setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::SelectedClicked |
+                    QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
     header()->hide();
     header()->setStretchLastSection(true);
 }
@@ -74,9 +74,9 @@ bool PropertyGridView::edit(const QModelIndex& index, EditTrigger trigger, QEven
         value.data(PropertyGridModel::ValueTypeRole).toInt() == int(DataType::Boolean);
     // Keyboard edits and a double click on the caption toggle a yes/no value; clicks on its
     // box and Space reach the delegate below.
-    if (isBool
-        && (trigger == EditKeyPressed
-            || (trigger == DoubleClicked && index.column() == PropertyGridModel::CaptionColumn)))
+    if (isBool &&
+        (trigger == EditKeyPressed ||
+         (trigger == DoubleClicked && index.column() == PropertyGridModel::CaptionColumn)))
         return toggleBoolean(value);
     return QTreeView::edit(value, trigger, event);
 }
@@ -84,11 +84,15 @@ bool PropertyGridView::edit(const QModelIndex& index, EditTrigger trigger, QEven
 void PropertyGridView::keyPressEvent(QKeyEvent* event)
 {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (enter && state() != QAbstractItemView::EditingState && currentIndex().isValid()) {
+    if (enter && state() != QAbstractItemView::EditingState && currentIndex().isValid())
+    {
         const QModelIndex current = currentIndex();
-        if (gridModel() && gridModel()->propertyAt(current)) {
+        if (gridModel() && gridModel()->propertyAt(current))
+        {
             edit(current, EditKeyPressed, event);
-        } else {
+        }
+        else
+        {
             const QModelIndex row = current.siblingAtColumn(0);
             setExpanded(row, !isExpanded(row));
         }
@@ -119,9 +123,12 @@ PropertyGridWidget::PropertyGridWidget(QWidget* parent) : QWidget(parent)
     m_toolBar = new QToolBar(this);
     m_toolBar->setIconSize(QSize(16, 16));
     auto* order = new QActionGroup(this);
-    m_categorizedAction = m_toolBar->addAction(style()->standardIcon(QStyle::SP_FileDialogDetailedView), QString());
-    m_alphabeticalAction = m_toolBar->addAction(style()->standardIcon(QStyle::SP_FileDialogListView), QString());
-    for (QAction* action : {m_categorizedAction, m_alphabeticalAction}) {
+    m_categorizedAction =
+        m_toolBar->addAction(style()->standardIcon(QStyle::SP_FileDialogDetailedView), QString());
+    m_alphabeticalAction =
+        m_toolBar->addAction(style()->standardIcon(QStyle::SP_FileDialogListView), QString());
+    for (QAction* action : {m_categorizedAction, m_alphabeticalAction})
+    {
         action->setCheckable(true);
         order->addAction(action);
     }
@@ -155,7 +162,8 @@ void PropertyGridWidget::setProperties(boost::shared_ptr<ZEVGis::Data::CProperti
     m_model->setProperties(std::move(properties));
     if (expandAll)
         m_view->expandAll();
-    if (!selectedTag.isEmpty()) {
+    if (!selectedTag.isEmpty())
+    {
         const QModelIndex row = m_model->indexOfTag(selectedTag);
         if (row.isValid())
             m_view->setCurrentIndex(row);

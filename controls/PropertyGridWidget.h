@@ -48,8 +48,8 @@ public:
 
     // Shows `properties` (null: nothing). `expandAll` opens every category; `keepSelection`
     // selects the row with the tag selected before, when there is one.
-    void setProperties(boost::shared_ptr<ZEVGis::Data::CPropertiesEx> properties,
-                       bool expandAll, bool keepSelection);
+    void setProperties(boost::shared_ptr<ZEVGis::Data::CPropertiesEx> properties, bool expandAll,
+                       bool keepSelection);
     void clear();
     void setReadOnly(bool readOnly);
     bool isReadOnly() const;

@@ -22,7 +22,8 @@ bool readDouble(const QString& input, double& value)
     QString text = input.trimmed();
     bool ok = false;
     double v = c.toDouble(text, &ok);
-    if (!ok && text.count(u',') == 1 && !text.contains(u'.')) {
+    if (!ok && text.count(u',') == 1 && !text.contains(u'.'))
+    {
         text.replace(u',', u'.');
         v = c.toDouble(text, &ok);
     }
@@ -47,11 +48,13 @@ QString formatPropertyValue(const CDataBox& value, int precision)
 bool parsePropertyValue(DataType type, const QString& input, const QStringList& choices,
                         CDataBox& out)
 {
-    switch (type) {
+    switch (type)
+    {
     case DataType::String:
         out = CDataBox(DataType::String, input);
         return true;
-    case DataType::Integer: {
+    case DataType::Integer:
+    {
         bool ok = false;
         const qint64 v = input.trimmed().toLongLong(&ok);
         if (!ok)
@@ -59,14 +62,16 @@ bool parsePropertyValue(DataType type, const QString& input, const QStringList& 
         out = CDataBox::fromInt(v);
         return true;
     }
-    case DataType::Double: {
+    case DataType::Double:
+    {
         double v = 0;
         if (!readDouble(input, v))
             return false;
         out = CDataBox::fromDouble(v);
         return true;
     }
-    case DataType::Boolean: {
+    case DataType::Boolean:
+    {
         const QString text = input.trimmed();
         if (text == u"1" || text.compare(u"true", Qt::CaseInsensitive) == 0)
             out = CDataBox::fromBool(true);

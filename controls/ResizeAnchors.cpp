@@ -43,7 +43,8 @@ bool CResizeAnchors::setResize(QWidget* control, double left, double top, double
         return false;
     auto it = std::find_if(m_anchors.begin(), m_anchors.end(),
                            [control](const Anchor& a) { return a.control == control; });
-    if (it == m_anchors.end()) {
+    if (it == m_anchors.end())
+    {
         m_anchors.push_back(Anchor{});
         it = std::prev(m_anchors.end());
         it->control = control;
@@ -94,7 +95,8 @@ void CResizeAnchors::apply()
 {
     std::erase_if(m_anchors, [](const Anchor& a) { return a.control.isNull(); });
     const QSize now = growth();
-    for (Anchor& anchor : m_anchors) {
+    for (Anchor& anchor : m_anchors)
+    {
         // Moved by someone else since we placed it (a splitter): start from there.
         if (anchor.control->geometry() != anchor.lastPlaced)
             rebase(anchor, m_lastGrowth);

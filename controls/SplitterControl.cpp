@@ -33,10 +33,13 @@ protected:
     {
         QPainter painter(this);
         painter.setPen(QPen(kLineColour, 1));
-        if (horizontal) {
+        if (horizontal)
+        {
             painter.drawLine(0, 0, width() - 1, 0);
             painter.drawLine(0, height() - 1, width() - 1, height() - 1);
-        } else {
+        }
+        else
+        {
             painter.drawLine(0, 0, 0, height() - 1);
             painter.drawLine(width() - 1, 0, width() - 1, height() - 1);
         }
@@ -58,10 +61,13 @@ int CSplitterControl::Create(unsigned style, const QRect& rect, QWidget* parent,
     if (!parent)
         return 0;
     QRect bar = rect.normalized();
-    if (bar.width() >= bar.height()) {
+    if (bar.width() >= bar.height())
+    {
         m_type = SplitterHorizontal;
         bar.setHeight(kThickness);
-    } else {
+    }
+    else
+    {
         m_type = SplitterVertical;
         bar.setWidth(kThickness);
     }
@@ -125,10 +131,13 @@ void CSplitterControl::applyCursor()
 void CSplitterControl::MoveWindowTo(const QPoint& point)
 {
     const QRect g = geometry();
-    if (m_type == SplitterVertical) {
+    if (m_type == SplitterVertical)
+    {
         const int centre = (g.left() + g.left() + g.width()) / 2;
         move(g.x() + point.x() - centre, g.y());
-    } else {
+    }
+    else
+    {
         const int centre = (g.top() + g.top() + g.height()) / 2;
         move(g.x(), g.y() + point.y() - centre);
     }
@@ -172,11 +181,13 @@ void CSplitterControl::ChangePos(QWidget* window, int dx, int dy)
 void CSplitterControl::DrawLine(int x, int y)
 {
     QWidget* top = window();
-    if (!m_line) {
+    if (!m_line)
+    {
         m_line = new SplitterTrackingLine(top);
         m_line->hide();
     }
-    if (m_line->isVisible() && m_line->point == QPoint(x, y)) {
+    if (m_line->isVisible() && m_line->point == QPoint(x, y))
+    {
         m_line->hide();
         return;
     }
@@ -203,7 +214,8 @@ void CSplitterControl::paintEvent(QPaintEvent*)
     painter.fillRect(0, 0, 1, h - 1, light);
     painter.fillRect(w - 1, 0, 1, h, shadow);
     painter.fillRect(0, h - 1, w, 1, shadow);
-    if (w > 2 && h > 2) {
+    if (w > 2 && h > 2)
+    {
         painter.setPen(QPen(kLineColour, 1));
         painter.setBrush(kFillColour);
         painter.drawRect(1, 1, w - 3, h - 3);
@@ -212,7 +224,8 @@ void CSplitterControl::paintEvent(QPaintEvent*)
 
 void CSplitterControl::mousePressEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton) {
+    if (event->button() != Qt::LeftButton)
+    {
         event->ignore();
         return;
     }
@@ -228,7 +241,8 @@ void CSplitterControl::mousePressEvent(QMouseEvent* event)
 
 void CSplitterControl::mouseMoveEvent(QMouseEvent* event)
 {
-    if (!m_pressed) {
+    if (!m_pressed)
+    {
         event->ignore();
         return;
     }
@@ -237,7 +251,8 @@ void CSplitterControl::mouseMoveEvent(QMouseEvent* event)
     QWidget* parent = parentWidget();
     const QPoint global = event->globalPosition().toPoint();
     QPoint p = parent ? parent->mapFromGlobal(global) : global;
-    auto clamp = [this](int v) {
+    auto clamp = [this](int v)
+    {
         if (v < m_minimum)
             v = m_minimum;
         if (v > m_maximum)
@@ -252,7 +267,8 @@ void CSplitterControl::mouseMoveEvent(QMouseEvent* event)
 
 void CSplitterControl::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton || !m_pressed) {
+    if (event->button() != Qt::LeftButton || !m_pressed)
+    {
         event->ignore();
         return;
     }

@@ -24,8 +24,8 @@ enum : unsigned
 struct StateImageRow
 {
     const char* label;
-    int themeState;         // check-box part states: 1/5/9 normal, 2/6/10 hot, 4/8/12 disabled
-    unsigned classicFlags;  // 0 for the unused cells
+    int themeState;        // check-box part states: 1/5/9 normal, 2/6/10 hot, 4/8/12 disabled
+    unsigned classicFlags; // 0 for the unused cells
 };
 
 constexpr StateImageRow kRows[16] = {
@@ -54,7 +54,8 @@ bool g_themesEnabled = true;
 QStyle* classicStyle()
 {
     static QPointer<QStyle> style;
-    if (!style) {
+    if (!style)
+    {
         QStyle* made = QStyleFactory::create(QStringLiteral("Windows"));
         if (!made)
             made = QStyleFactory::create(QStringLiteral("Fusion"));
@@ -71,7 +72,7 @@ QStyle::State themedState(int themeState)
 {
     const int check = (themeState - 1) / 4; // 0 unchecked, 1 checked, 2 tri-state
     const int look = (themeState - 1) % 4;  // 0 normal, 1 hot, 2 pressed, 3 disabled
-    QStyle::State state = check == 0 ? QStyle::State_Off
+    QStyle::State state = check == 0   ? QStyle::State_Off
                           : check == 1 ? QStyle::State_On
                                        : QStyle::State_NoChange;
     if (look != 3)
@@ -132,8 +133,10 @@ bool CreateStateImages(const QWidget* widget, CStateImageList& images, int size,
     {
         QPainter painter(&strip);
         QRect cell(1, 1, size - 2, size - 2);
-        for (const StateImageRow& row : kRows) {
-            if (qstrcmp(row.label, "unused") != 0) {
+        for (const StateImageRow& row : kRows)
+        {
+            if (qstrcmp(row.label, "unused") != 0)
+            {
                 const QStyle::State state =
                     themed ? themedState(row.themeState) : classicState(row.classicFlags);
                 drawCheckBox(painter, widget, style, cell, state);
@@ -146,9 +149,11 @@ bool CreateStateImages(const QWidget* widget, CStateImageList& images, int size,
     made.size = size;
     made.strip = strip;
     const QImage argb = strip.convertToFormat(QImage::Format_ARGB32);
-    for (int n = 0; n < CStateImageList::kCount; ++n) {
+    for (int n = 0; n < CStateImageList::kCount; ++n)
+    {
         QImage cell = argb.copy(n * size, 0, size, size);
-        for (int y = 0; y < size; ++y) {
+        for (int y = 0; y < size; ++y)
+        {
             auto* line = reinterpret_cast<QRgb*>(cell.scanLine(y));
             for (int x = 0; x < size; ++x)
                 if (line[x] == kMagenta)

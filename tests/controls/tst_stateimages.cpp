@@ -78,7 +78,8 @@ private slots:
         for (int n : {1, 2, 3, 5, 6, 7, 9, 10, 11, 13, 14, 15})
             QVERIFY2(!isUniform(cell(list, n), background), qPrintable(QString::number(n)));
         // The one-pixel margin round every check box stays background.
-        for (int n = 0; n < 17; ++n) {
+        for (int n = 0; n < 17; ++n)
+        {
             const QImage c = cell(list, n);
             QCOMPARE(c.pixelColor(0, 0), background);
             QCOMPARE(c.pixelColor(15, 15), background);
