@@ -47,6 +47,7 @@ public:
     bool readItems(pugi::xml_node parentNode, CCatalog::ItemMap& all, CCatalog::ItemMap& roots);
 
     QString error() const { return m_error; }
+    void clearError() { m_error.clear(); }
     // Where a node starts in the parsed text, as "line L, column C".
     void setText(const char* text, size_t size) { m_text = text; m_size = size; }
     QString position(ptrdiff_t offset) const;

@@ -1,0 +1,423 @@
+#include "catalog/CatalogStore.h"
+#include "catalog/CatalogXml.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <boost/make_shared.hpp>
+#include <cstring>
+
+namespace ZEVGis::Data
+{
+
+namespace
+{
+
+// Registry attribute names (README, "File formats").
+constexpr char RegistryRoot[] = "registry";
+constexpr char RegistryCatalog[] = "catalog";
+constexpr char RegistryTemplate[] = "template";
+
+bool readFile(const QString& path, QByteArray& bytes, QString& why)
+{
+    QFile file(path);
+    if (!file.exists()) {
+        why = QStringLiteral("the file does not exist");
+        return false;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        why = file.errorString();
+        return false;
+    }
+    bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        why = file.errorString();
+        return false;
+    }
+    return true;
+}
+
+int intAttribute(pugi::xml_node node, const char* name, int fallback, bool& ok)
+{
+    pugi::xml_attribute attribute = node.attribute(name);
+    if (!attribute)
+        return fallback;
+    bool good = false;
+    const int value = QByteArray(attribute.value()).trimmed().toInt(&good);
+    if (!good)
+        ok = false;
+    return good ? value : fallback;
+}
+
+} // namespace
+
+QByteArray writeRegistry(const std::vector<RegistryEntry>& entries)
+{
+    CatalogXml::XmlOut out;
+    out.declaration();
+    out.start(RegistryRoot);
+    out.attribute("format", CatalogXml::FormatVersion);
+    for (const RegistryEntry& entry : entries) {
+        const CCatalogMetadata& m = entry.metadata;
+        out.start(RegistryCatalog);
+        out.attribute("reference", m.reference);
+        out.attribute("name", m.nameUI);
+        out.attribute("file", m.fileName);
+        out.attribute("hidden", m.hidden ? 1 : 0);
+        out.attribute("drawingVersion", m.maintainDocumentSpecificVersion ? 1 : 0);
+        out.attribute("maxDepth", m.maxDepthLevel);
+        out.attribute("allowDefault", m.allowDefaultSelection ? 1 : 0);
+        out.attribute("disableNewItems", m.disableNewItems ? 1 : 0);
+        for (const auto& tmpl : entry.templates) {
+            if (!tmpl)
+                continue;
+            out.start(RegistryTemplate);
+            out.attribute("name", tmpl->GetName());
+            out.attribute("version", tmpl->GetVersion());
+            if (auto definition = tmpl->GetCatalogItemDefinition())
+                CatalogXml::writeItem(out, *definition, false, false);
+            out.end();
+        }
+        out.end();
+    }
+    out.end();
+    return out.take();
+}
+
+CatalogStore::CatalogStore(const QString& root, const QString& drawingPath)
+    : m_root(QDir::cleanPath(root)), m_drawingPath(drawingPath)
+{
+}
+
+QString CatalogStore::pictureFolder() const
+{
+    return m_root + QStringLiteral("/pictures");
+}
+
+QString CatalogStore::registryPath() const
+{
+    return m_root + QStringLiteral("/registry.xml");
+}
+
+QString CatalogStore::catalogPath(const CCatalogMetadata& metadata) const
+{
+    return QDir(m_root).filePath(metadata.fileName);
+}
+
+QString CatalogStore::drawingCopyPath(const CCatalogMetadata& metadata) const
+{
+    return m_drawingPath + QStringLiteral(".catalogs/") + QFileInfo(metadata.fileName).fileName();
+}
+
+void CatalogStore::error(const QString& message)
+{
+    qCWarning(lcCatalog).noquote() << message;
+    m_errors << message;
+}
+
+QStringList CatalogStore::takeErrors()
+{
+    QStringList errors;
+    errors.swap(m_errors);
+    return errors;
+}
+
+bool CatalogStore::seedFromSamples(const QString& folder, QString& why)
+{
+    const QString samples = QStringLiteral(":/samples");
+    if (!QFileInfo(samples + QStringLiteral("/registry.xml")).exists()) {
+        why = QStringLiteral("the program carries no sample catalogs");
+        return false;
+    }
+    QDirIterator it(samples, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString source = it.next();
+        const QString target = folder + source.mid(samples.size());
+        if (QFileInfo::exists(target))
+            continue;
+        if (!QDir().mkpath(QFileInfo(target).absolutePath())) {
+            why = QStringLiteral("cannot create the folder %1").arg(QFileInfo(target).absolutePath());
+            return false;
+        }
+        if (!QFile::copy(source, target)) {
+            why = QStringLiteral("cannot copy %1 to %2").arg(source, target);
+            return false;
+        }
+        // Resources are read-only; the copies are the user's to edit.
+        QFile::setPermissions(target, QFile::permissions(target) | QFile::WriteOwner | QFile::ReadOwner);
+    }
+    return true;
+}
+
+void CatalogStore::loadRegistry()
+{
+    if (m_registryTried)
+        return;
+    m_registryTried = true;
+
+    const QFileInfo rootInfo(m_root);
+    if (!rootInfo.isDir()) {
+        error(QStringLiteral("Catalog store %1: the folder does not exist").arg(m_root));
+        return;
+    }
+    QByteArray bytes;
+    QString why;
+    if (!readFile(registryPath(), bytes, why)) {
+        error(QStringLiteral("Catalog registry %1 cannot be read: %2").arg(registryPath(), why));
+        return;
+    }
+    pugi::xml_document doc;
+    if (!CatalogXml::parseDocument(doc, bytes.constData(), size_t(bytes.size()), false, why)) {
+        error(QStringLiteral("Catalog registry %1 is broken: %2").arg(registryPath(), why));
+        return;
+    }
+    pugi::xml_node root = doc.document_element();
+    if (!root || std::strcmp(root.name(), RegistryRoot) != 0) {
+        error(QStringLiteral("Catalog registry %1 is not a registry: its root element is <%2>, not <registry>")
+                  .arg(registryPath(), QString::fromUtf8(root ? root.name() : "")));
+        return;
+    }
+
+    CatalogXml::ItemReader reader;
+    reader.setText(bytes.constData(), size_t(bytes.size()));
+    for (pugi::xml_node node = root.child(RegistryCatalog); node; node = node.next_sibling(RegistryCatalog)) {
+        const QString where = reader.position(node.offset_debug() - 1);
+        auto metadata = boost::make_shared<CCatalogMetadata>();
+        metadata->reference = QString::fromUtf8(node.attribute("reference").value()).trimmed();
+        if (metadata->reference.isEmpty()) {
+            error(QStringLiteral("Catalog registry %1: the entry at %2 has no reference; it is left out")
+                      .arg(registryPath(), where));
+            continue;
+        }
+        if (find(metadata->reference)) {
+            error(QStringLiteral("Catalog registry %1: reference %2 at %3 is registered twice; the second entry is left out")
+                      .arg(registryPath(), metadata->reference, where));
+            continue;
+        }
+        metadata->nameUI = QString::fromUtf8(node.attribute("name").value());
+        if (metadata->nameUI.isEmpty())
+            metadata->nameUI = metadata->reference;
+        metadata->fileName = QString::fromUtf8(node.attribute("file").value()).trimmed();
+        if (metadata->fileName.isEmpty())
+            metadata->fileName = metadata->reference.toLower() + QStringLiteral(".xml");
+        bool numbersOk = true;
+        metadata->hidden = intAttribute(node, "hidden", 0, numbersOk) != 0;
+        metadata->maintainDocumentSpecificVersion = intAttribute(node, "drawingVersion", 0, numbersOk) != 0;
+        metadata->maxDepthLevel = intAttribute(node, "maxDepth", 3, numbersOk);
+        metadata->allowDefaultSelection = intAttribute(node, "allowDefault", 0, numbersOk) != 0;
+        metadata->disableNewItems = intAttribute(node, "disableNewItems", 0, numbersOk) != 0;
+        if (!numbersOk)
+            error(QStringLiteral("Catalog registry %1: entry %2 at %3 has a flag that is not a number; the default is used")
+                      .arg(registryPath(), metadata->reference, where));
+
+        Entry entry;
+        entry.metadata = metadata;
+        for (pugi::xml_node t = node.child(RegistryTemplate); t; t = t.next_sibling(RegistryTemplate)) {
+            const QString name = QString::fromUtf8(t.attribute("name").value());
+            bool versionOk = true;
+            const int version = intAttribute(t, "version", 0, versionOk);
+            boost::shared_ptr<CCatalogItem> definition;
+            if (pugi::xml_node item = t.child(CatalogXml::Names::item)) {
+                definition = reader.readItem(item, false);
+                if (!definition) {
+                    error(QStringLiteral("Catalog registry %1: template \"%2\" of %3 has a broken definition: %4; the template is left out")
+                              .arg(registryPath(), name, metadata->reference, reader.error()));
+                    reader.clearError();
+                    continue;
+                }
+            }
+            if (name.isEmpty() || !versionOk) {
+                error(QStringLiteral("Catalog registry %1: a template of %2 at %3 has no name or a bad version; it is left out")
+                          .arg(registryPath(), metadata->reference, reader.position(t.offset_debug() - 1)));
+                continue;
+            }
+            entry.templates.push_back(boost::make_shared<CCatalogItemTemplate>(name, version, definition));
+        }
+        m_registry.push_back(metadata);
+        m_entries.push_back(std::move(entry));
+    }
+}
+
+const std::vector<boost::shared_ptr<CCatalogMetadata>>& CatalogStore::registry()
+{
+    loadRegistry();
+    return m_registry;
+}
+
+CatalogStore::Entry* CatalogStore::find(const QString& reference)
+{
+    for (Entry& entry : m_entries)
+        if (entry.metadata->reference.compare(reference, Qt::CaseInsensitive) == 0)
+            return &entry;
+    return nullptr;
+}
+
+boost::shared_ptr<CCatalogMetadata> CatalogStore::metadata(const QString& reference)
+{
+    loadRegistry();
+    Entry* entry = find(reference);
+    return entry ? entry->metadata : boost::shared_ptr<CCatalogMetadata>();
+}
+
+std::vector<boost::shared_ptr<CCatalogItemTemplate>> CatalogStore::templates(const QString& reference)
+{
+    loadRegistry();
+    Entry* entry = find(reference);
+    return entry ? entry->templates : std::vector<boost::shared_ptr<CCatalogItemTemplate>>();
+}
+
+boost::shared_ptr<CCatalog> CatalogStore::load(const Entry& entry, const QString& path,
+                                               bool missingIsEmpty)
+{
+    auto catalog = boost::make_shared<CCatalog>();
+    auto factory = boost::make_shared<CDefaultCatalogItemFactory>(pictureFolder());
+    catalog->SetFactory(factory);
+    const QString reference = entry.metadata->reference;
+
+    if (missingIsEmpty && !QFileInfo::exists(path)) {
+        catalog->SetReference(reference);
+        return catalog;
+    }
+    QByteArray bytes;
+    QString why;
+    if (!readFile(path, bytes, why)) {
+        error(QStringLiteral("Catalog %1: %2 cannot be read: %3").arg(reference, path, why));
+        return {};
+    }
+    if (!catalog->ParseXMLBytes(bytes)) {
+        error(QStringLiteral("Catalog %1: %2 is not a catalog file: %3")
+                  .arg(reference, path, catalog->ParseError()));
+        return {};
+    }
+    if (catalog->GetReference().compare(reference, Qt::CaseInsensitive) != 0
+        && !catalog->GetReference().isEmpty())
+        qCInfo(lcCatalog).noquote() << QStringLiteral("Catalog %1: %2 names itself %3; the registry's reference is used")
+                                           .arg(reference, path, catalog->GetReference());
+    // The registry's spelling of the reference wins.
+    catalog->SetReference(reference);
+    return catalog;
+}
+
+boost::shared_ptr<CCatalog> CatalogStore::catalog(const QString& reference, int which)
+{
+    loadRegistry();
+    Entry* entry = find(reference);
+    if (!entry) {
+        error(QStringLiteral("Catalog %1 is not in the registry %2").arg(reference, registryPath()));
+        return {};
+    }
+    if (which != 0) {
+        if (!entry->catalogTried) {
+            entry->catalogTried = true;
+            entry->catalog = load(*entry, catalogPath(*entry->metadata), false);
+        }
+        return entry->catalog;
+    }
+    if (!entry->metadata->maintainDocumentSpecificVersion)
+        return {};
+    if (!entry->drawingCopyTried) {
+        entry->drawingCopyTried = true;
+        entry->drawingCopy = load(*entry, drawingCopyPath(*entry->metadata), true);
+    }
+    return entry->drawingCopy;
+}
+
+namespace
+{
+
+// A file written through QSaveFile but not yet put in place.
+struct PendingWrite
+{
+    QString label;
+    std::unique_ptr<QSaveFile> file;
+};
+
+} // namespace
+
+int CatalogStore::save(const QString& reference, bool saveCatalog, bool saveDrawingCopy)
+{
+    loadRegistry();
+    Entry* entry = find(reference);
+    if (!entry) {
+        error(QStringLiteral("Catalog %1 is not in the registry %2; nothing saved").arg(reference, registryPath()));
+        return 0;
+    }
+    std::vector<std::pair<QString, boost::shared_ptr<CCatalog>>> targets;
+    if (saveCatalog && entry->catalog)
+        targets.emplace_back(catalogPath(*entry->metadata), entry->catalog);
+    if (saveDrawingCopy && entry->drawingCopy && entry->metadata->maintainDocumentSpecificVersion)
+        targets.emplace_back(drawingCopyPath(*entry->metadata), entry->drawingCopy);
+
+    // Write every file beside its target first; only when all are written are they put in
+    // place, so a failure leaves both files as they were.
+    std::vector<PendingWrite> pending;
+    for (const auto& [path, catalog] : targets) {
+        const QString folder = QFileInfo(path).absolutePath();
+        if (!QDir().mkpath(folder)) {
+            error(QStringLiteral("Catalog %1 not saved: the folder %2 cannot be created; %3 is unchanged")
+                      .arg(entry->metadata->reference, folder, path));
+            return 0;
+        }
+        auto file = std::make_unique<QSaveFile>(path);
+        const QByteArray bytes = catalog->GetXMLBytes();
+        if (!file->open(QIODevice::WriteOnly) || file->write(bytes) != bytes.size()) {
+            error(QStringLiteral("Catalog %1 not saved to %2: %3; the file on disk is unchanged")
+                      .arg(entry->metadata->reference, path, file->errorString()));
+            file->cancelWriting();
+            return 0;
+        }
+        pending.push_back({path, std::move(file)});
+    }
+    int result = 1;
+    for (PendingWrite& write : pending) {
+        if (!write.file->commit()) {
+            error(QStringLiteral("Catalog %1 not saved to %2: %3; the file on disk is unchanged")
+                      .arg(entry->metadata->reference, write.label, write.file->errorString()));
+            result = 0;
+        }
+    }
+    return result;
+}
+
+void CatalogStore::reload(const QString& reference)
+{
+    loadRegistry();
+    if (Entry* entry = find(reference)) {
+        entry->catalog.reset();
+        entry->drawingCopy.reset();
+        entry->catalogTried = false;
+        entry->drawingCopyTried = false;
+    }
+}
+
+boost::shared_ptr<CCatalogItemTemplate> CatalogStore::templateFor(const QString& reference,
+                                                                  const CCatalogItem& item)
+{
+    loadRegistry();
+    Entry* entry = find(reference);
+    if (!entry)
+        return {};
+    const QString name = item.GetTemplateName();
+    if (!name.isEmpty()) {
+        for (const auto& tmpl : entry->templates)
+            if (tmpl->GetName() == name && tmpl->GetCatalogItemDefinition())
+                return tmpl;
+        for (const auto& tmpl : entry->templates)
+            if (tmpl->GetName().compare(name, Qt::CaseInsensitive) == 0 && tmpl->GetCatalogItemDefinition())
+                return tmpl;
+        // A template that is gone is not replaced by a guess: upgrading an item by the
+        // wrong definition would take its properties away.
+        return {};
+    }
+    // Items from before templates were remembered: the first template of the same kind.
+    for (const auto& tmpl : entry->templates) {
+        auto definition = tmpl->GetCatalogItemDefinition();
+        if (definition && (definition->IsGroup() != 0) == (item.IsGroup() != 0))
+            return tmpl;
+    }
+    return {};
+}
+
+} // namespace ZEVGis::Data
