@@ -116,6 +116,7 @@ private:
         CPropertyExGridCtrl grid;
         Recorder recorder;
         boost::shared_ptr<CPropertiesEx> properties = sampleProperties();
+        std::unique_ptr<QAbstractItemModelTester> tester;
 
         PropertyGridWidget* widget() const { return grid.gridWidget(); }
         PropertyGridView* view() const { return widget()->view(); }
@@ -135,6 +136,8 @@ private:
         f->dialog.resize(400, 450);
         if (!f->grid.CreatePropertyGrid(&f->dialog, 100, 1000))
             return nullptr;
+        f->tester = std::make_unique<QAbstractItemModelTester>(
+            f->widget()->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         f->grid.SetCallbackUpdate(&f->recorder);
         f->grid.SetCallbackChange(&f->recorder);
         f->grid.SetDataToShow(f->properties, 1, 0);
