@@ -1,11 +1,11 @@
 #include "tests/editor/EditorTestStore.h"
 
 #include "catalog/CatalogManager.h"
+#include "catalog/CatalogStore.h"
 
 #include <QDir>
 #include <QFile>
 #include <QSaveFile>
-#include <QXmlStreamWriter>
 #include <boost/make_shared.hpp>
 
 using namespace ZEVGis::Data;
@@ -54,32 +54,33 @@ QByteArray EditorTestStore::catalogFileBytes(const QString& reference) const
 
 bool EditorTestStore::write()
 {
-    QByteArray registry;
-    QXmlStreamWriter writer(&registry);
-    writer.setAutoFormatting(true);
-    writer.writeStartDocument();
-    writer.writeStartElement(QStringLiteral("registry"));
+    std::vector<RegistryEntry> registry;
+    const CatalogStore paths(m_root, drawingPath());
     for (const Entry& entry : m_entries)
     {
-        writer.writeStartElement(QStringLiteral("catalog"));
-        writer.writeAttribute(QStringLiteral("reference"), entry.reference);
-        writer.writeAttribute(QStringLiteral("name"), entry.nameUI);
-        writer.writeAttribute(QStringLiteral("file"), fileNameOf(entry));
-        writer.writeAttribute(QStringLiteral("hidden"), QString::number(entry.hidden));
-        writer.writeAttribute(QStringLiteral("drawingVersion"), QString::number(entry.drawingVersion));
-        writer.writeAttribute(QStringLiteral("maxDepth"), QString::number(entry.maxDepth));
-        writer.writeAttribute(QStringLiteral("allowDefault"), QString::number(entry.allowDefault));
-        writer.writeAttribute(QStringLiteral("disableNewItems"), QString::number(entry.disableNewItems));
-        writer.writeEndElement();
+        RegistryEntry written;
+        CCatalogMetadata& metadata = written.metadata;
+        metadata.reference = entry.reference;
+        metadata.nameUI = entry.nameUI;
+        metadata.fileName = fileNameOf(entry);
+        metadata.hidden = entry.hidden;
+        metadata.maintainDocumentSpecificVersion = entry.drawingVersion;
+        metadata.maxDepthLevel = entry.maxDepth;
+        metadata.allowDefaultSelection = entry.allowDefault;
+        metadata.disableNewItems = entry.disableNewItems;
+        written.templates = entry.templates;
+        registry.push_back(written);
 
         auto catalog = entry.catalog ? entry.catalog : boost::make_shared<CCatalog>();
         catalog->SetReference(entry.reference);
-        if (!writeFile(m_root + QLatin1Char('/') + fileNameOf(entry), catalog->GetXMLBytes()))
+        const QByteArray bytes = catalog->GetXMLBytes();
+        if (!writeFile(paths.catalogPath(metadata), bytes))
+            return false;
+        // The drawing starts with a copy of the catalog as it is.
+        if (entry.drawingVersion && !writeFile(paths.drawingCopyPath(metadata), bytes))
             return false;
     }
-    writer.writeEndElement();
-    writer.writeEndDocument();
-    if (!writeFile(m_root + QStringLiteral("/registry.xml"), registry))
+    if (!writeFile(paths.registryPath(), writeRegistry(registry)))
         return false;
     reopen();
     return true;

@@ -1,6 +1,7 @@
 // The editor dialog driven offscreen through its controls, on catalog stores written to a
 // temporary folder, with the scripted host answering and recording.
 #include "catalog/CatalogManager.h"
+#include "controls/PictureBox.h"
 #include "controls/PropertyGridModel.h"
 #include "controls/PropertyGridWidget.h"
 #include "editor/CatalogEditorDlg.h"
@@ -141,6 +142,8 @@ private slots:
     void deleteAsksAndRemoves();
     void insertKeyAddsItemFromTemplate();
     void testButtonTogglesReadOnlyInOrder();
+    void ctrlNewUpgradesCurrentItem();
+    void picturesFollowSelection();
 
 private:
     void writeStore(const std::vector<EditorTestStore::Entry>& entries);
@@ -432,20 +435,32 @@ void TestCatalogEditorDlg::gridEditReachesItemAndNameRenamesRow()
     focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x25");
     CCatalogItem* item = dlg->CurrentItem();
     QVERIFY(item);
-
-    // What the grid does on an accepted edit: the value goes into the shown property, then
-    // the dialog hears of it.
-    auto section = item->GetProperty("CROSS_SECTION");
-    section->SetValue(CDataBox::fromString("35"));
-    dlg->OnItemUpdated(section.get());
-    QCOMPARE(item->GetProperty("CROSS_SECTION")->GetValue().ToString(), QString("35"));
+    auto* grid = findControl<PropertyGridWidget>(dlg.get(), Ids::Grid);
     auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
-    QCOMPARE(lower->currentItem()->text(0), QString("Cable 4x25"));
 
-    auto name = item->GetProperty("CATALOGITEM_NAME");
-    name->SetValue(CDataBox::fromString("Cable 4x35"));
-    dlg->OnItemUpdated(name.get());
+    // Types a value into the grid's editor of the property with `tag`.
+    auto edit = [&](const QString& tag, const QString& text) {
+        const QModelIndex index = grid->model()->indexOfTag(tag);
+        QVERIFY(index.isValid());
+        grid->view()->setFocus();
+        grid->view()->setCurrentIndex(index);
+        QTest::keyClick(grid->view(), Qt::Key_F2);
+        auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+        QVERIFY(editor);
+        editor->selectAll();
+        QTest::keyClicks(editor, text);
+        QTest::keyClick(editor, Qt::Key_Return);
+        QCoreApplication::processEvents();
+    };
+
+    edit("CROSS_SECTION", "35");
+    QCOMPARE(item->GetProperty("CROSS_SECTION")->GetValue().ToString(), QString("35"));
+    QCOMPARE(lower->currentItem()->text(0), QString("Cable 4x25"));
+    QVERIFY(dlg->isVisible());
+
+    edit("CATALOGITEM_NAME", "Cable 4x35");
     QCOMPARE(lower->currentItem()->text(0), QString("Cable 4x35"));
+    QCOMPARE(item->GetProperty("CATALOGITEM_NAME")->GetValue().ToString(), QString("Cable 4x35"));
     dlg->OnItemUpdated(nullptr);
 }
 
@@ -681,6 +696,60 @@ void TestCatalogEditorDlg::testButtonTogglesReadOnlyInOrder()
     QCOMPARE(grid->isReadOnly(), true);
     dlg->OnBnClickedBtnTest();
     QCOMPARE(grid->isReadOnly(), false);
+}
+
+void TestCatalogEditorDlg::ctrlNewUpgradesCurrentItem()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    focusAndSelect(*dlg, Ids::CatalogTree, "Loose item");
+    CCatalogItem* item = dlg->CurrentItem();
+    QVERIFY(item);
+    QVERIFY(!item->GetProperty("CROSS_SECTION"));
+    auto* grid = findControl<PropertyGridWidget>(dlg.get(), Ids::Grid);
+    const int rowsBefore = grid->model()->rowCount(grid->model()->index(0, 0));
+
+    m_host.setCtrlPressed(true);
+    findControl<QAbstractButton>(dlg.get(), Ids::BtnNew)->click();
+    m_host.setCtrlPressed(false);
+
+    // The template's properties were added, the name kept, and no item was created.
+    QVERIFY(item->GetProperty("CROSS_SECTION"));
+    QVERIFY(item->GetProperty("LSEQUIP_TYPE"));
+    QCOMPARE(item->GetName(), QString("Loose item"));
+    QCOMPARE(int(CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetAllElementsMap()->size()), 8);
+    QVERIFY(grid->model()->rowCount(grid->model()->index(0, 0)) > rowsBefore);
+}
+
+void TestCatalogEditorDlg::picturesFollowSelection()
+{
+    auto catalog = cablesCatalog();
+    catalog->GetItembyGuid("{B-95}")->SetPictureRef("cu95.png");
+    catalog->GetItembyGuid("{A-16}")->GetProperty("CROSS_SECTION")->SetPictureRef("section.png");
+    auto cables = entry("CABLES", "Cables", catalog);
+    writeStore({cables});
+    QImage picture(40, 30, QImage::Format_RGB32);
+    picture.fill(Qt::darkGreen);
+    QDir().mkpath(m_store->root() + "/pictures");
+    QVERIFY(picture.save(m_store->root() + "/pictures/cu95.png"));
+    QVERIFY(picture.save(m_store->root() + "/pictures/section.png"));
+
+    auto dlg = openDialog("CABLES");
+    auto* box = findControl<CPictureBox>(dlg.get(), Ids::PictureBox);
+    QVERIFY(box);
+    focusAndSelect(*dlg, Ids::CatalogTree, "Medium voltage/Copper/Cu 95");
+    QVERIFY(box->hasImage());
+    focusAndSelect(*dlg, Ids::CatalogTree, "Medium voltage");
+    QVERIFY(!box->hasImage());
+
+    // Selecting a property shows that property's picture; one without a picture empties the box.
+    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x16");
+    QVERIFY(!box->hasImage());
+    CCatalogItem* item = dlg->CurrentItem();
+    dlg->OnItemSelChanged(item->GetProperty("CROSS_SECTION").get());
+    QVERIFY(box->hasImage());
+    dlg->OnItemSelChanged(item->GetProperty("LSEQUIP_TYPE").get());
+    QVERIFY(!box->hasImage());
 }
 
 QTEST_MAIN(TestCatalogEditorDlg)
