@@ -1,0 +1,92 @@
+// zevxcatalog: lists the catalog registry, shows a catalog's tree, checks catalog files.
+
+#include "catalog/CatalogManager.h"
+#include "tools/CatalogCommands.h"
+
+#include <QCoreApplication>
+#include <QTextStream>
+#include <cstdio>
+
+namespace
+{
+
+const char Usage[] =
+    "Usage: zevxcatalog [--catalogs DIR] [--drawing FILE] COMMAND\n"
+    "\n"
+    "Commands:\n"
+    "  list                 the catalogs of the registry with their flags\n"
+    "  show REF [--drawing] the tree of catalog REF ([G] group, [*] default item, order\n"
+    "                       numbers, <template>); with --drawing the drawing's copy\n"
+    "  validate FILE...     whether each file is well-formed XML and a catalog\n"
+    "\n"
+    "Options:\n"
+    "  --catalogs DIR       the catalog store (else ZEVX_CATALOG_ROOT, else the user's data folder)\n"
+    "  --drawing FILE       the drawing whose catalog copies are used (else ZEVX_DRAWING)\n"
+    "  -h, --help           this text\n";
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("zevxcatalog"));
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+
+    QString catalogs;
+    QString drawing;
+    bool drawingCopy = false;
+    QStringList words;
+    const QStringList args = app.arguments().mid(1);
+    for (int i = 0; i < args.size(); ++i) {
+        const QString& arg = args[i];
+        if (arg == u"-h" || arg == u"--help") {
+            out << Usage;
+            return 0;
+        }
+        if (arg == u"--catalogs" || arg == u"--drawing") {
+            // "--drawing" alone after "show REF" asks for the drawing copy; with a value it
+            // names the drawing.
+            const bool hasValue = i + 1 < args.size() && !args[i + 1].startsWith(u"--")
+                && !(arg == u"--drawing" && words.size() >= 2 && words[0] == u"show");
+            if (arg == u"--drawing" && !hasValue) {
+                drawingCopy = true;
+                continue;
+            }
+            if (!hasValue) {
+                err << "zevxcatalog: " << arg << " needs a value\n\n" << Usage;
+                return 2;
+            }
+            (arg == u"--catalogs" ? catalogs : drawing) = args[++i];
+            continue;
+        }
+        if (arg.startsWith(u"--catalogs=")) {
+            catalogs = arg.section(u'=', 1);
+            continue;
+        }
+        if (arg.startsWith(u"--drawing=")) {
+            drawing = arg.section(u'=', 1);
+            continue;
+        }
+        if (arg.startsWith(u"-") && arg.size() > 1) {
+            err << "zevxcatalog: unknown option " << arg << "\n\n" << Usage;
+            return 2;
+        }
+        words << arg;
+    }
+    if (words.isEmpty()) {
+        err << Usage;
+        return 2;
+    }
+
+    ZEVGis::Data::CCatalogManager::Instance()->Configure(catalogs, drawing);
+    const QString command = words.takeFirst();
+    if (command == u"list" && words.isEmpty())
+        return ZevxTool::listRegistry(out, err);
+    if (command == u"show" && words.size() == 1)
+        return ZevxTool::showCatalog(words[0], drawingCopy, out, err);
+    if (command == u"validate" && !words.isEmpty())
+        return ZevxTool::validateFiles(words, out, err);
+    err << "zevxcatalog: bad command line\n\n" << Usage;
+    return 2;
+}
