@@ -133,7 +133,7 @@ inline unsigned NameStopCandidates(const char16_t* p)
 
 // Bit i set when unit i lies inside a double-quoted value (its opening quote included), given
 // the quote marks of a window and whether the window starts inside a value.
-inline unsigned InsideQuotes(unsigned quotes, bool insideBefore)
+inline unsigned InsideQuotes(unsigned quotes, unsigned insideBefore)
 {
     unsigned x = quotes;
     x ^= x << 1;

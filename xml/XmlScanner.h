@@ -201,21 +201,30 @@ private:
             return false;
         TagWindow w = LoadTagWindow(p);
         unsigned from = (0xFFFFu << nameLength) & 0xFFFF;
-        bool inside = false;
+        unsigned inside = 0;
         for (;;)
         {
-            const unsigned quoted = InsideQuotes(w.doubleQuote & from, inside);
-            const unsigned closing = w.greater & from & ~quoted;
-            const unsigned upToClosing = closing ? ((closing & (0u - closing)) << 1) - 1 : 0xFFFF;
-            if (w.otherStop & from & upToClosing)
-                return false;
-            if (closing)
+            if ((w.greater | w.otherStop) & from)
             {
-                nameStop = pos + 1 + nameLength;
-                close = int32_t(p - m_s) + __builtin_ctz(closing);
-                return true;
+                const unsigned quoted = InsideQuotes(w.doubleQuote & from, inside);
+                const unsigned closing = w.greater & from & ~quoted;
+                const unsigned upToClosing =
+                    closing ? ((closing & (0u - closing)) << 1) - 1 : 0xFFFF;
+                if (w.otherStop & from & upToClosing)
+                    return false;
+                if (closing)
+                {
+                    nameStop = pos + 1 + nameLength;
+                    close = int32_t(p - m_s) + __builtin_ctz(closing);
+                    return true;
+                }
+                inside = (quoted >> 15) & 1;
             }
-            inside = (quoted >> 15) & 1;
+            else
+            {
+                // Nothing here can end the tag: only whether a value is open carries over.
+                inside ^= unsigned(__builtin_parity(w.doubleQuote & from));
+            }
             p += 16;
             if (m_end - p < 16)
                 return false;
