@@ -4,6 +4,7 @@
 #include "controls/PictureBox.h"
 #include "controls/PropertyGridModel.h"
 #include "controls/PropertyGridWidget.h"
+#include "controls/SplitterControl.h"
 #include "editor/CatalogEditorDlg.h"
 #include "editor/CatalogEditorIds.h"
 #include "host/ScriptedHost.h"
@@ -123,7 +124,7 @@ private slots:
     void startUp_data();
     void startUp();
     void controlsCarryTheirIdsAndTexts();
-    void minimumSize();
+    void layoutFollowsResizeAndSplitter();
     void treesShowCatalogInTheirOrder();
     void selectionSetsButtons_data();
     void selectionSetsButtons();
@@ -166,6 +167,7 @@ void TestCatalogEditorDlg::initTestCase()
 
 void TestCatalogEditorDlg::init()
 {
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
     m_host.clear();
     m_host.setCtrlPressed(false);
     m_dir = std::make_unique<QTemporaryDir>();
@@ -320,7 +322,7 @@ void TestCatalogEditorDlg::controlsCarryTheirIdsAndTexts()
     QVERIFY(enabledEditButtons(*dlg).isEmpty());
 }
 
-void TestCatalogEditorDlg::minimumSize()
+void TestCatalogEditorDlg::layoutFollowsResizeAndSplitter()
 {
     writeDefaultStore();
     auto dlg = openDialog();
@@ -334,6 +336,23 @@ void TestCatalogEditorDlg::minimumSize()
     dlg->resize(1013 + 300, 735 + 90);
     QCOMPARE(ok->pos(), okBefore + QPoint(300, 90));
     QVERIFY(qAbs(grid->width() - (gridBefore + 100)) <= 1);
+
+    // A splitter drag gives the upper tree what it takes from the lower one.
+    auto* splitter = findControl<CSplitterControl>(dlg.get(), Ids::Splitter);
+    QVERIFY(splitter);
+    QWidget* upper = findControlById(dlg.get(), Ids::DrawingTree);
+    QWidget* lower = findControlById(dlg.get(), Ids::CatalogTree);
+    QWidget* addToApp = findControlById(dlg.get(), Ids::BtnAddToApp);
+    const QRect upperBefore = upper->geometry();
+    const QRect lowerBefore = lower->geometry();
+    const QPoint buttonBefore = addToApp->pos();
+    emit splitter->splitterMoved(Ids::Splitter, 12);
+    QCOMPARE(upper->geometry(), upperBefore.adjusted(0, 0, 0, 12));
+    QCOMPARE(lower->geometry(), lowerBefore.adjusted(0, 12, 0, 0));
+    QCOMPARE(addToApp->pos(), buttonBefore + QPoint(0, 12));
+    // ... and the next resize starts from there.
+    dlg->resize(dlg->width(), dlg->height() + 40);
+    QCOMPARE(upper->geometry().bottom(), upperBefore.bottom() + 12 + 20);
 }
 
 void TestCatalogEditorDlg::treesShowCatalogInTheirOrder()
