@@ -131,8 +131,8 @@ private slots:
     void selectionShowsPropertiesInGrid();
     void gridEditReachesItemAndNameRenamesRow();
     void nameEditWithoutLowerSelectionChangesNoRow();
-    void f2RenamesAndEnterKeepsDialogOpen();
-    void escapeInLabelEditorKeepsName();
+    void labelEditing_data();
+    void labelEditing();
     void setDefaultMarksByEquipmentType_data();
     void setDefaultMarksByEquipmentType();
     void switchingSavesCatalogShownBefore();
@@ -496,53 +496,52 @@ void TestCatalogEditorDlg::nameEditWithoutLowerSelectionChangesNoRow()
     QCOMPARE(childTexts(rowAt(lower, "Low voltage")), QStringList({"Cable 4x16", "Cable 4x25"}));
 }
 
-void TestCatalogEditorDlg::f2RenamesAndEnterKeepsDialogOpen()
+void TestCatalogEditorDlg::labelEditing_data()
 {
+    QTest::addColumn<int>("tree");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<QString>("textAfter");
+
+    // "Cable 4x16" is a sibling's name: it is accepted all the same.
+    QTest::newRow("catalog tree, Enter renames") << int(Ids::CatalogTree) << int(Qt::Key_Return) << "Cable 4x16";
+    QTest::newRow("catalog tree, Escape keeps") << int(Ids::CatalogTree) << int(Qt::Key_Escape) << "Cable 4x25";
+    QTest::newRow("drawing tree, edit dropped") << int(Ids::DrawingTree) << int(Qt::Key_Return) << "Cable 4x25";
+}
+
+void TestCatalogEditorDlg::labelEditing()
+{
+    QFETCH(int, tree);
+    QFETCH(int, key);
+    QFETCH(QString, textAfter);
+
     writeDefaultStore();
     auto dlg = openDialog("CABLES");
-    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x25");
-    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
-    QTest::keyClick(lower, Qt::Key_F2);
+    focusAndSelect(*dlg, tree, "Low voltage/Cable 4x25");
+    auto* widget = findControl<CatalogTreeWidget>(dlg.get(), tree);
+    QTest::keyClick(widget, Qt::Key_F2);
+    QVERIFY(widget->isEditingLabel());
     auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
     QVERIFY(editor);
     editor->selectAll();
     QTest::keyClicks(editor, "Cable 4x16");
-    QTest::keyClick(editor, Qt::Key_Return);
+    QTest::keyClick(editor, Qt::Key_Delete); // stays in the editor
+    QTest::keyClick(editor, Qt::Key(key));
     QCoreApplication::processEvents();
 
     QVERIFY(dlg->isVisible());
-    QVERIFY(!static_cast<CatalogTreeWidget*>(lower)->isEditingLabel());
-    QCOMPARE(lower->currentItem()->text(0), QString("Cable 4x16"));
-    // The name of a sibling is accepted; the grid shows the new name.
-    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", 1);
-    QCOMPARE(catalog->GetItembyGuid("{A-25}")->GetName(), QString("Cable 4x16"));
-    QCOMPARE(catalog->GetItembyGuid("{A-25}")->GetProperty("CATALOGITEM_NAME")->GetValue().ToString(),
-             QString("Cable 4x16"));
+    QVERIFY(!widget->isEditingLabel());
+    QCOMPARE(widget->currentItem()->text(0), textAfter);
+    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", tree == Ids::DrawingTree ? 0 : 1);
+    auto item = catalog->GetItembyGuid("{A-25}");
+    QCOMPARE(item->GetName(), textAfter);
+    QCOMPARE(item->GetProperty("CATALOGITEM_NAME")->GetValue().ToString(), textAfter);
+    QCOMPARE(int(catalog->GetAllElementsMap()->size()), 8);
     QVERIFY(m_host.alerts().isEmpty());
 
     // The root row has no label editor.
-    focusAndSelect(*dlg, Ids::CatalogTree, "");
-    QTest::keyClick(lower, Qt::Key_F2);
-    QVERIFY(!static_cast<CatalogTreeWidget*>(lower)->isEditingLabel());
-}
-
-void TestCatalogEditorDlg::escapeInLabelEditorKeepsName()
-{
-    writeDefaultStore();
-    auto dlg = openDialog("CABLES");
-    focusAndSelect(*dlg, Ids::CatalogTree, "Medium voltage/Copper");
-    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
-    QTest::keyClick(lower, Qt::Key_F2);
-    auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
-    QVERIFY(editor);
-    QTest::keyClicks(editor, "Brass");
-    QTest::keyClick(editor, Qt::Key_Delete);
-    QTest::keyClick(editor, Qt::Key_Escape);
-    QCoreApplication::processEvents();
-    QVERIFY(dlg->isVisible());
-    QCOMPARE(lower->currentItem()->text(0), QString("Copper"));
-    QCOMPARE(CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetItembyGuid("{B-CU}")->GetName(),
-             QString("Copper"));
+    focusAndSelect(*dlg, tree, "");
+    QTest::keyClick(widget, Qt::Key_F2);
+    QVERIFY(!widget->isEditingLabel());
 }
 
 void TestCatalogEditorDlg::setDefaultMarksByEquipmentType_data()
@@ -643,20 +642,26 @@ void TestCatalogEditorDlg::cancelAndCloseBoxDropChanges()
 
 void TestCatalogEditorDlg::deleteAsksAndRemoves_data()
 {
+    QTest::addColumn<int>("tree");
     QTest::addColumn<QString>("path");
     QTest::addColumn<bool>("answer");
     QTest::addColumn<QStringList>("rootAfter");
     QTest::addColumn<int>("elementsAfter");
 
+    const int lower = Ids::CatalogTree;
     const QStringList all{"Loose item", "Medium voltage", "Low voltage"};
-    QTest::newRow("group, yes") << "Medium voltage" << true << QStringList{"Loose item", "Low voltage"} << 4;
-    QTest::newRow("group, no") << "Medium voltage" << false << all << 8;
-    QTest::newRow("root row empties the root level") << "" << true << QStringList{} << 0;
-    QTest::newRow("root row, no") << "" << false << all << 8;
+    QTest::newRow("group, yes") << lower << "Medium voltage" << true << QStringList{"Loose item", "Low voltage"} << 4;
+    QTest::newRow("group, no") << lower << "Medium voltage" << false << all << 8;
+    QTest::newRow("item below, yes") << lower << "Medium voltage/Copper/Cu 95" << true << all << 7;
+    QTest::newRow("root row empties the root level") << lower << "" << true << QStringList{} << 0;
+    QTest::newRow("root row, no") << lower << "" << false << all << 8;
+    QTest::newRow("drawing tree item, yes") << int(Ids::DrawingTree) << "Low voltage" << true
+                                            << QStringList{"Medium voltage", "Loose item"} << 5;
 }
 
 void TestCatalogEditorDlg::deleteAsksAndRemoves()
 {
+    QFETCH(int, tree);
     QFETCH(QString, path);
     QFETCH(bool, answer);
     QFETCH(QStringList, rootAfter);
@@ -664,19 +669,18 @@ void TestCatalogEditorDlg::deleteAsksAndRemoves()
 
     writeDefaultStore();
     auto dlg = openDialog("CABLES");
-    focusAndSelect(*dlg, Ids::CatalogTree, path);
+    focusAndSelect(*dlg, tree, path);
     m_host.queueAnswer(answer);
-    QTest::keyClick(findControl<QWidget>(dlg.get(), Ids::CatalogTree), Qt::Key_Delete);
+    QTest::keyClick(findControl<QWidget>(dlg.get(), tree), Qt::Key_Delete);
     QCOMPARE(m_host.questions().size(), 1);
     QCOMPARE(m_host.questions().first().text,
              QString("Do you really want to delete the selected entries?"));
-    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
-    QCOMPARE(childTexts(rowAt(lower, "")), rootAfter);
-    QCOMPARE(int(CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetAllElementsMap()->size()),
-             elementsAfter);
+    QCOMPARE(childTexts(rowAt(findControl<QTreeWidget>(dlg.get(), tree), "")), rootAfter);
+    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", tree == Ids::DrawingTree ? 0 : 1);
+    QCOMPARE(int(catalog->GetAllElementsMap()->size()), elementsAfter);
     // Whatever is current now is a live row: its item (if any) is still in the catalog.
     if (CCatalogItem* current = dlg->CurrentItem())
-        QVERIFY(CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetItembyGuid(current->GetGUID()));
+        QVERIFY(catalog->GetItembyGuid(current->GetGUID()));
 }
 
 void TestCatalogEditorDlg::insertKeyAddsItemFromTemplate()
