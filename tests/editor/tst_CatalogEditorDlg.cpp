@@ -145,6 +145,8 @@ private slots:
     void testButtonTogglesReadOnlyInOrder();
     void ctrlNewUpgradesCurrentItem();
     void picturesFollowSelection();
+    void infoPreviewsTemplatePicture_data();
+    void infoPreviewsTemplatePicture();
 
 private:
     void writeStore(const std::vector<EditorTestStore::Entry>& entries);
@@ -773,6 +775,48 @@ void TestCatalogEditorDlg::picturesFollowSelection()
     QVERIFY(box->hasImage());
     dlg->OnItemSelChanged(item->GetProperty("LSEQUIP_TYPE").get());
     QVERIFY(!box->hasImage());
+}
+
+void TestCatalogEditorDlg::infoPreviewsTemplatePicture_data()
+{
+    QTest::addColumn<QString>("pictureRef");
+    QTest::addColumn<QString>("shownTitle"); // empty: no preview
+    QTest::addColumn<QStringList>("alerts");
+
+    QTest::newRow("with picture") << "cable.png" << "Cable 4x25" << QStringList{};
+    QTest::newRow("without picture") << "" << "" << QStringList{"No picture is available for this item."};
+}
+
+void TestCatalogEditorDlg::infoPreviewsTemplatePicture()
+{
+    QFETCH(QString, pictureRef);
+    QFETCH(QString, shownTitle);
+    QFETCH(QStringList, alerts);
+
+    auto definition = cablesCatalog()->GetItembyGuid("{A-25}");
+    definition->SetPictureRef(pictureRef);
+    auto cables = entry("CABLES", "Cables", cablesCatalog());
+    cables.templates = {boost::make_shared<CCatalogItemTemplate>("Cable", 1, definition)};
+    writeStore({cables});
+    QImage picture(20, 20, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    QDir().mkpath(m_store->root() + "/pictures");
+    QVERIFY(picture.save(m_store->root() + "/pictures/cable.png"));
+
+    auto dlg = openDialog("CABLES");
+    QString seenTitle;
+    QTimer::singleShot(0, this, [&seenTitle] {
+        if (QWidget* preview = QApplication::activeModalWidget())
+        {
+            seenTitle = preview->windowTitle();
+            preview->close();
+        }
+    });
+    findControl<QAbstractButton>(dlg.get(), Ids::BtnInfo)->click();
+    QCoreApplication::processEvents(); // the closer has run whether or not a preview opened
+    QCOMPARE(seenTitle, shownTitle);
+    QCOMPARE(m_host.alerts(), alerts);
+    QVERIFY(dlg->isVisible());
 }
 
 QTEST_MAIN(TestCatalogEditorDlg)
