@@ -27,16 +27,11 @@ void print(FILE* stream, const QString& text)
     std::fflush(stream);
 }
 
-QString optionOrEnvironment(const QString& option, const char* variable)
-{
-    return option.isEmpty() ? qEnvironmentVariable(variable) : option;
-}
-
+// Empty options leave the choice to the catalog manager: ZEVX_CATALOG_ROOT and ZEVX_DRAWING,
+// else the user's store seeded from the samples.
 void configure(const Program::ProgramOptions& options)
 {
-    Data::CCatalogManager::Instance()->Configure(
-        optionOrEnvironment(options.catalogsFolder, "ZEVX_CATALOG_ROOT"),
-        optionOrEnvironment(options.drawing, "ZEVX_DRAWING"));
+    Data::CCatalogManager::Instance()->Configure(options.catalogsFolder, options.drawing);
     if (!options.language.isEmpty())
         CModuleConfiguration::Instance()->SetLanguage(options.language);
 }

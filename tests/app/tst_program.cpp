@@ -1,6 +1,7 @@
 #include "app/ProgramOptions.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QImage>
 #include <QProcess>
 #include <QSet>
@@ -151,7 +152,37 @@ void TestProgram::badOptionsStopTheProgram()
 
 void TestProgram::screenshotOfSampleStore()
 {
-    QSKIP("needs the sample store and the editor dialog");
+    const QString store = m_temp.filePath(QStringLiteral("store"));
+    QDirIterator it(QStringLiteral(ZEVX_SAMPLES_DIR), QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext())
+    {
+        const QString source = it.next();
+        const QString target = store + source.mid(int(qstrlen(ZEVX_SAMPLES_DIR)));
+        QVERIFY(QDir().mkpath(QFileInfo(target).absolutePath()));
+        QVERIFY(QFile::copy(source, target));
+    }
+    const QString shot = m_temp.filePath(QStringLiteral("editor.png"));
+
+    QProcess program;
+    program.start(QStringLiteral(ZEVX_PROGRAM),
+                  {QStringLiteral("poles"), QStringLiteral("--catalogs"), store,
+                   QStringLiteral("--lang"), QStringLiteral("en"), QStringLiteral("--screenshot"),
+                   shot});
+    QVERIFY2(program.waitForStarted(), qPrintable(program.errorString()));
+    QVERIFY(program.waitForFinished(60000));
+    const QString errors = QString::fromLocal8Bit(program.readAllStandardError());
+    QVERIFY2(program.exitCode() == 0, qPrintable(errors));
+    QVERIFY(QString::fromLocal8Bit(program.readAllStandardOutput()).contains(shot));
+
+    // A picture of the laid-out dialog, not of an empty window.
+    const QImage image(shot);
+    QVERIFY(!image.isNull());
+    QVERIFY(image.width() >= 640 && image.height() >= 480);
+    QSet<QRgb> colours;
+    for (int y = 0; y < image.height(); y += 7)
+        for (int x = 0; x < image.width(); x += 7)
+            colours.insert(image.pixel(x, y));
+    QVERIFY2(colours.size() > 20, qPrintable(QString::number(colours.size())));
 }
 
 QTEST_GUILESS_MAIN(TestProgram)

@@ -1,0 +1,115 @@
+// The module's exported face, end to end: the real editor on a copy of the sample store.
+
+#include "app/CatalogEditor.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QDirIterator>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+namespace
+{
+
+bool copyFolder(const QString& from, const QString& to)
+{
+    QDirIterator it(from, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext())
+    {
+        const QString source = it.next();
+        const QString target = to + source.mid(from.size());
+        if (!QDir().mkpath(QFileInfo(target).absolutePath()) || !QFile::copy(source, target))
+            return false;
+    }
+    return true;
+}
+
+QComboBox* catalogCombo(QWidget* dialog)
+{
+    for (QComboBox* combo : dialog->findChildren<QComboBox*>())
+    {
+        if (combo->property("controlId").toInt() == 104)
+            return combo;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+class TestModule : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void editorOpensOnTheStore_data();
+    void editorOpensOnTheStore();
+
+private:
+    QTemporaryDir m_store;
+};
+
+void TestModule::initTestCase()
+{
+    QStandardPaths::setTestModeEnabled(true);
+    QVERIFY(m_store.isValid());
+    QVERIFY(copyFolder(QStringLiteral(ZEVX_SAMPLES_DIR), m_store.path()));
+    // The module's catalog manager is its own; it finds the store as inside the host.
+    qputenv("ZEVX_CATALOG_ROOT", QFile::encodeName(m_store.path()));
+}
+
+void TestModule::editorOpensOnTheStore_data()
+{
+    QTest::addColumn<QString>("reference");
+    QTest::addColumn<int>("showHidden");
+    QTest::addColumn<QString>("selected");
+    QTest::addColumn<int>("lines");
+
+    QTest::newRow("reference in another case") << "poles" << 0 << "Stupovi" << 4;
+    QTest::newRow("no reference") << "" << 0 << "Kabeli" << 4;
+    QTest::newRow("hidden catalog not offered") << "SWITCHGEAR" << 0 << "Kabeli" << 4;
+    QTest::newRow("hidden catalog offered")
+        << "SWITCHGEAR" << 1 << "Sklopni uređaji*** HIDDEN ***" << 5;
+}
+
+void TestModule::editorOpensOnTheStore()
+{
+    QFETCH(QString, reference);
+    QFETCH(int, showHidden);
+    QFETCH(QString, selected);
+    QFETCH(int, lines);
+
+    // Closes whatever comes up modally, noting what it was and what the combo showed.
+    QStringList shown;
+    QString comboText;
+    int comboLines = -1;
+    QTimer closer;
+    closer.setInterval(0);
+    connect(&closer, &QTimer::timeout, this, [&] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        shown << QString::fromLatin1(dialog->metaObject()->className());
+        if (QComboBox* combo = catalogCombo(dialog))
+        {
+            comboText = combo->currentText();
+            comboLines = combo->count();
+        }
+        dialog->reject();
+    });
+    closer.start();
+
+    const std::wstring wide = reference.toStdWString();
+    ZEVGis::Data::CCatalogEditor::Editor(reference.isEmpty() ? nullptr : wide.c_str(), showHidden);
+    closer.stop();
+
+    QCOMPARE(shown, QStringList{QStringLiteral("CCatalogEditorDlg")});
+    QCOMPARE(comboText, selected);
+    QCOMPARE(comboLines, lines);
+}
+
+QTEST_MAIN(TestModule)
+#include "tst_module.moc"
