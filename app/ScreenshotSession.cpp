@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QMessageBox>
 #include <QPixmap>
 #include <QTimer>
 #include <QWidget>
@@ -49,6 +50,9 @@ void ScreenshotSession::step()
 void ScreenshotSession::capture(QWidget* window)
 {
     m_captured = true;
+    m_capturedClass = QString::fromLatin1(window->metaObject()->className());
+    if (auto* box = qobject_cast<QMessageBox*>(window))
+        m_capturedText = box->text();
     // Let pending layout and polish requests run so the picture shows the settled dialog.
     for (int i = 0; i < 3; ++i)
         QCoreApplication::processEvents();

@@ -20,6 +20,9 @@ public:
     void finish();
 
     bool saved() const { return m_saved; }
+    // The class of the window rendered, and its text when it was a message box.
+    QString capturedClass() const { return m_capturedClass; }
+    QString capturedText() const { return m_capturedText; }
     // What was rendered (its window title), or why nothing was saved.
     QString report() const { return m_report; }
 
@@ -29,6 +32,8 @@ private:
 
     QString m_path;
     QString m_report;
+    QString m_capturedClass;
+    QString m_capturedText;
     bool m_captured = false;
     bool m_saved = false;
     bool m_finished = false;

@@ -5,6 +5,7 @@
 #include "app/ScreenshotSession.h"
 #include "catalog/CatalogManager.h"
 #include "catalog/ModuleConfiguration.h"
+#include "editor/CatalogEditorDlg.h"
 #include "host/HostServices.h"
 #include "host/QtHostServices.h"
 
@@ -50,6 +51,14 @@ int takeScreenshot(const Program::ProgramOptions& options)
     }
     print(stdout, QStringLiteral("Screenshot of %1 written to %2")
                       .arg(session.report(), QDir::toNativeSeparators(options.screenshot)));
+    // An alert instead of the editor (no catalog to offer, say) is pictured but is a failure.
+    if (session.capturedClass() != QLatin1String(CCatalogEditorDlg::staticMetaObject.className()))
+    {
+        print(stderr, QStringLiteral("zevxcatalogeditor: the editor did not open: %1")
+                          .arg(session.capturedText().isEmpty() ? session.capturedClass()
+                                                                : session.capturedText()));
+        return 1;
+    }
     return 0;
 }
 
