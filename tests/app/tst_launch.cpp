@@ -90,8 +90,6 @@ private slots:
     void unknownFunctionCodeRunsNothing();
     void throwingDialogPopsResources_data();
     void throwingDialogPopsResources();
-    void exportedLaunch_data();
-    void exportedLaunch();
 
 private:
     Host::ScriptedHost m_services;
@@ -262,26 +260,6 @@ void TestLaunch::throwingDialogPopsResources()
     QCOMPARE(m_services.pushCount(), 1);
     QCOMPARE(m_services.popCount(), 1);
     QVERIFY(!host.calls.contains(QStringLiteral("retVoid")));
-}
-
-void TestLaunch::exportedLaunch_data()
-{
-    QTest::addColumn<QString>("reference");
-    QTest::addColumn<int>("showHidden");
-    QTest::newRow("hidden catalogs left out") << QString() << 0;
-    QTest::newRow("hidden catalogs offered") << QStringLiteral("Cables") << 1;
-}
-
-void TestLaunch::exportedLaunch()
-{
-    QFETCH(QString, reference);
-    QFETCH(int, showHidden);
-    Launch::runCatalogEditor(reference, showHidden);
-    QCOMPARE(m_runs.size(), 1);
-    QCOMPARE(m_runs[0].reference, reference);
-    QCOMPARE(m_runs[0].showHidden, showHidden);
-    QCOMPARE(m_runs[0].resourceDepth, 1);
-    QCOMPARE(m_services.resourceDepth(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestLaunch)

@@ -45,7 +45,6 @@ private slots:
     void scriptedQuestions_data();
     void scriptedQuestions();
     void scriptedFileDialogs();
-    void scriptedCounters();
     void installAndRestore();
     void resourceScopePopsOnException();
 
@@ -53,7 +52,6 @@ private slots:
     void qtQuestion();
     void qtAlert();
     void qtWaitCursorNests();
-    void qtResourceDepthNeverNegative();
     void qtOpenFileDialog();
 };
 
@@ -114,29 +112,6 @@ void TestHostServices::scriptedFileDialogs()
     QCOMPARE(requests[1].filter, QStringLiteral("*.xml"));
     QVERIFY(requests[1].scripted);
     QVERIFY(!requests[2].scripted);
-}
-
-void TestHostServices::scriptedCounters()
-{
-    ScriptedHost host;
-    host.beginWaitCursor();
-    host.beginWaitCursor();
-    host.endWaitCursor();
-    host.pushResourceHandle();
-    host.setCtrlPressed(true);
-    host.alert(QStringLiteral("Catalog error!"));
-
-    QCOMPARE(host.waitCursorDepth(), 1);
-    QCOMPARE(host.maxWaitCursorDepth(), 2);
-    QCOMPARE(host.resourceDepth(), 1);
-    QVERIFY(host.isCtrlPressed());
-    QCOMPARE(host.alerts(), QStringList{QStringLiteral("Catalog error!")});
-
-    host.clear();
-    QCOMPARE(host.waitCursorDepth(), 0);
-    QCOMPARE(host.pushCount(), 0);
-    QVERIFY(host.alerts().isEmpty());
-    QVERIFY(host.isCtrlPressed());
 }
 
 void TestHostServices::installAndRestore()
@@ -239,16 +214,6 @@ void TestHostServices::qtWaitCursorNests()
     QCOMPARE(QApplication::overrideCursor()->shape(), Qt::IBeamCursor);
     QApplication::restoreOverrideCursor();
     QVERIFY(!QApplication::overrideCursor());
-}
-
-void TestHostServices::qtResourceDepthNeverNegative()
-{
-    QtHostServices host;
-    host.popResourceHandle();
-    host.pushResourceHandle();
-    host.pushResourceHandle();
-    host.popResourceHandle();
-    QCOMPARE(host.resourceDepth(), 1);
 }
 
 void TestHostServices::qtOpenFileDialog()
