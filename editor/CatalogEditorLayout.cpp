@@ -181,6 +181,10 @@ void CCatalogEditorDlg::SetUpResizing()
 {
     if (m_anchors)
         return;
+    // The anchors measure growth from the size the controls were placed for; a size the
+    // caller set in between is applied again afterwards.
+    const QSize requested = size();
+    resize(MinimumWidth, MinimumHeight);
     m_anchors = new CResizeAnchors(this);
     m_anchors->Init();
     struct Rule
@@ -206,6 +210,8 @@ void CCatalogEditorDlg::SetUpResizing()
     for (const Rule& rule : rules)
         for (int id : rule.ids)
             m_anchors->setResize(id, rule.left, rule.top, rule.right, rule.bottom);
+    resize(requested);
+    m_anchors->apply();
 }
 
 void CCatalogEditorDlg::LoadIcons()

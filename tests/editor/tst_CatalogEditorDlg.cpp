@@ -330,6 +330,15 @@ void TestCatalogEditorDlg::layoutFollowsResizeAndSplitter()
     auto dlg = openDialog();
     dlg->resize(400, 300);
     QCOMPARE(dlg->size(), QSize(1013, 735));
+
+    // A size given before the start-up is kept, with the controls placed for it.
+    CCatalogEditorDlg sized;
+    sized.resize(1013 + 60, 735);
+    sized.show();
+    QCOMPARE(sized.size(), QSize(1013 + 60, 735));
+    QCOMPARE(findControlById(&sized, Ids::Ok)->pos(), findControlById(dlg.get(), Ids::Ok)->pos() + QPoint(60, 0));
+    sized.hide();
+
     // Growing moves the bottom-right buttons with the corner and widens the grid by a third.
     auto* ok = findControlById(dlg.get(), Ids::Ok);
     auto* grid = findControlById(dlg.get(), Ids::Grid);
