@@ -3,13 +3,13 @@
 // The module's exported face, called by the suite's other modules.
 
 #if defined(_WIN32)
-#  if defined(ZEVX_MODULE_BUILD)
-#    define ZEVX_MODULE_EXPORT __declspec(dllexport)
-#  else
-#    define ZEVX_MODULE_EXPORT __declspec(dllimport)
-#  endif
+#if defined(ZEVX_MODULE_BUILD)
+#define ZEVX_MODULE_EXPORT __declspec(dllexport)
 #else
-#  define ZEVX_MODULE_EXPORT __attribute__((visibility("default")))
+#define ZEVX_MODULE_EXPORT __declspec(dllimport)
+#endif
+#else
+#define ZEVX_MODULE_EXPORT __attribute__((visibility("default")))
 #endif
 
 namespace ZEVGis::Data

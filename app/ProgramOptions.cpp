@@ -135,9 +135,11 @@ QString screenshotPathProblem(const QString& path)
         return QStringLiteral("the file is read-only");
     const QFileInfo folder(file.absolutePath());
     if (!folder.isDir())
-        return QStringLiteral("folder %1 does not exist").arg(QDir::toNativeSeparators(folder.filePath()));
+        return QStringLiteral("folder %1 does not exist")
+            .arg(QDir::toNativeSeparators(folder.filePath()));
     if (!folder.isWritable())
-        return QStringLiteral("folder %1 is not writable").arg(QDir::toNativeSeparators(folder.filePath()));
+        return QStringLiteral("folder %1 is not writable")
+            .arg(QDir::toNativeSeparators(folder.filePath()));
     return QString();
 }
 

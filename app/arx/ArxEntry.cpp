@@ -39,24 +39,42 @@ ZEVGis::Arx::AppMsgCode neutralCode(AcRx::AppMsgCode msg)
     using ZEVGis::Arx::AppMsgCode;
     switch (msg)
     {
-    case AcRx::kNullMsg: return AppMsgCode::kNullMsg;
-    case AcRx::kInitAppMsg: return AppMsgCode::kInitAppMsg;
-    case AcRx::kUnloadAppMsg: return AppMsgCode::kUnloadAppMsg;
-    case AcRx::kLoadDwgMsg: return AppMsgCode::kLoadDwgMsg;
-    case AcRx::kUnloadDwgMsg: return AppMsgCode::kUnloadDwgMsg;
-    case AcRx::kInvkSubrMsg: return AppMsgCode::kInvkSubrMsg;
-    case AcRx::kCfgMsg: return AppMsgCode::kCfgMsg;
-    case AcRx::kEndMsg: return AppMsgCode::kEndMsg;
-    case AcRx::kQuitMsg: return AppMsgCode::kQuitMsg;
-    case AcRx::kSaveMsg: return AppMsgCode::kSaveMsg;
-    case AcRx::kDependencyMsg: return AppMsgCode::kDependencyMsg;
-    case AcRx::kNoDependencyMsg: return AppMsgCode::kNoDependencyMsg;
-    case AcRx::kOleUnloadAppMsg: return AppMsgCode::kOleUnloadAppMsg;
-    case AcRx::kPreQuitMsg: return AppMsgCode::kPreQuitMsg;
-    case AcRx::kInitDialogMsg: return AppMsgCode::kInitDialogMsg;
-    case AcRx::kEndDialogMsg: return AppMsgCode::kEndDialogMsg;
-    case AcRx::kSuspendMsg: return AppMsgCode::kSuspendMsg;
-    default: return AppMsgCode::kOther;
+    case AcRx::kNullMsg:
+        return AppMsgCode::kNullMsg;
+    case AcRx::kInitAppMsg:
+        return AppMsgCode::kInitAppMsg;
+    case AcRx::kUnloadAppMsg:
+        return AppMsgCode::kUnloadAppMsg;
+    case AcRx::kLoadDwgMsg:
+        return AppMsgCode::kLoadDwgMsg;
+    case AcRx::kUnloadDwgMsg:
+        return AppMsgCode::kUnloadDwgMsg;
+    case AcRx::kInvkSubrMsg:
+        return AppMsgCode::kInvkSubrMsg;
+    case AcRx::kCfgMsg:
+        return AppMsgCode::kCfgMsg;
+    case AcRx::kEndMsg:
+        return AppMsgCode::kEndMsg;
+    case AcRx::kQuitMsg:
+        return AppMsgCode::kQuitMsg;
+    case AcRx::kSaveMsg:
+        return AppMsgCode::kSaveMsg;
+    case AcRx::kDependencyMsg:
+        return AppMsgCode::kDependencyMsg;
+    case AcRx::kNoDependencyMsg:
+        return AppMsgCode::kNoDependencyMsg;
+    case AcRx::kOleUnloadAppMsg:
+        return AppMsgCode::kOleUnloadAppMsg;
+    case AcRx::kPreQuitMsg:
+        return AppMsgCode::kPreQuitMsg;
+    case AcRx::kInitDialogMsg:
+        return AppMsgCode::kInitDialogMsg;
+    case AcRx::kEndDialogMsg:
+        return AppMsgCode::kEndDialogMsg;
+    case AcRx::kSuspendMsg:
+        return AppMsgCode::kSuspendMsg;
+    default:
+        return AppMsgCode::kOther;
     }
 }
 

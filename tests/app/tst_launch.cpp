@@ -105,11 +105,13 @@ void TestLaunch::init()
     m_useServices = std::make_unique<Host::ScopedHostServices>(m_services);
     m_runs.clear();
     m_throwFromDialog = false;
-    m_previousRunner = Launch::setDialogRunner([this](const QString& reference, int showHidden) {
-        m_runs.append({reference, showHidden, m_services.resourceDepth()});
-        if (m_throwFromDialog)
-            throw std::runtime_error("dialog failed");
-    });
+    m_previousRunner = Launch::setDialogRunner(
+        [this](const QString& reference, int showHidden)
+        {
+            m_runs.append({reference, showHidden, m_services.resourceDepth()});
+            if (m_throwFromDialog)
+                throw std::runtime_error("dialog failed");
+        });
 }
 
 void TestLaunch::cleanup()
@@ -135,19 +137,23 @@ void TestLaunch::messages_data()
                              AppMsgCode::kUnloadDwgMsg}
         << QStringList{defun, defun, undef};
     QTest::newRow("module unloaded with drawings open")
-        << QList<AppMsgCode>{AppMsgCode::kInitAppMsg, AppMsgCode::kLoadDwgMsg,
-                             AppMsgCode::kLoadDwgMsg, AppMsgCode::kUnloadDwgMsg,
+        << QList<AppMsgCode>{AppMsgCode::kInitAppMsg,   AppMsgCode::kLoadDwgMsg,
+                             AppMsgCode::kLoadDwgMsg,   AppMsgCode::kUnloadDwgMsg,
                              AppMsgCode::kUnloadDwgMsg, AppMsgCode::kUnloadAppMsg}
-        << QStringList{QStringLiteral("unlockApplication"), QStringLiteral("registerAppMDIAware"),
-                       defun, defun, undef, undef};
+        << QStringList{QStringLiteral("unlockApplication"),
+                       QStringLiteral("registerAppMDIAware"),
+                       defun,
+                       defun,
+                       undef,
+                       undef};
     QTest::newRow("messages without action")
-        << QList<AppMsgCode>{AppMsgCode::kNullMsg,        AppMsgCode::kCfgMsg,
-                             AppMsgCode::kEndMsg,         AppMsgCode::kQuitMsg,
-                             AppMsgCode::kSaveMsg,        AppMsgCode::kDependencyMsg,
+        << QList<AppMsgCode>{AppMsgCode::kNullMsg,         AppMsgCode::kCfgMsg,
+                             AppMsgCode::kEndMsg,          AppMsgCode::kQuitMsg,
+                             AppMsgCode::kSaveMsg,         AppMsgCode::kDependencyMsg,
                              AppMsgCode::kNoDependencyMsg, AppMsgCode::kOleUnloadAppMsg,
-                             AppMsgCode::kPreQuitMsg,     AppMsgCode::kInitDialogMsg,
-                             AppMsgCode::kEndDialogMsg,   AppMsgCode::kSuspendMsg,
-                             AppMsgCode::kOther,          AppMsgCode::kUnloadAppMsg}
+                             AppMsgCode::kPreQuitMsg,      AppMsgCode::kInitDialogMsg,
+                             AppMsgCode::kEndDialogMsg,    AppMsgCode::kSuspendMsg,
+                             AppMsgCode::kOther,           AppMsgCode::kUnloadAppMsg}
         << QStringList{};
 }
 

@@ -88,18 +88,20 @@ void TestModule::editorOpensOnTheStore()
     int comboLines = -1;
     QTimer closer;
     closer.setInterval(0);
-    connect(&closer, &QTimer::timeout, this, [&] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (!dialog)
-            return;
-        shown << QString::fromLatin1(dialog->metaObject()->className());
-        if (QComboBox* combo = catalogCombo(dialog))
-        {
-            comboText = combo->currentText();
-            comboLines = combo->count();
-        }
-        dialog->reject();
-    });
+    connect(&closer, &QTimer::timeout, this,
+            [&]
+            {
+                auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+                if (!dialog)
+                    return;
+                shown << QString::fromLatin1(dialog->metaObject()->className());
+                if (QComboBox* combo = catalogCombo(dialog))
+                {
+                    comboText = combo->currentText();
+                    comboLines = combo->count();
+                }
+                dialog->reject();
+            });
     closer.start();
 
     const std::wstring wide = reference.toStdWString();

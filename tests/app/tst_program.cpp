@@ -60,31 +60,33 @@ void TestProgram::parse_data()
 
     const auto run = CommandLine::Action::Run;
     const auto error = CommandLine::Action::Error;
-    QTest::newRow("nothing") << QStringList{} << run
-                             << QStringList{"", "0", "", "", "", ""} << QString();
-    QTest::newRow("everything")
-        << QStringList{"cables", "--show-hidden", "--catalogs", "@TMP", "--drawing",
-                       "@TMP/plan.dwg", "--lang", "HR", "--screenshot", "@TMP/shot.png"}
-        << run << QStringList{"cables", "1", "@TMP", "@TMP/plan.dwg", "hr", "@TMP/shot.png"}
-        << QString();
+    QTest::newRow("nothing") << QStringList{} << run << QStringList{"", "0", "", "", "", ""}
+                             << QString();
+    QTest::newRow("everything") << QStringList{"cables",       "--show-hidden",
+                                               "--catalogs",   "@TMP",
+                                               "--drawing",    "@TMP/plan.dwg",
+                                               "--lang",       "HR",
+                                               "--screenshot", "@TMP/shot.png"}
+                                << run << QStringList{"cables",        "1",  "@TMP",
+                                                      "@TMP/plan.dwg", "hr", "@TMP/shot.png"}
+                                << QString();
     QTest::newRow("options before the reference, = form")
         << QStringList{"--lang=en", "--show-hidden", "POLES"} << run
         << QStringList{"POLES", "1", "", "", "en", ""} << QString();
-    QTest::newRow("unknown language") << QStringList{"--lang", "de"} << error << QStringList{}
-                                      << "Unknown language 'de'";
-    QTest::newRow("language without value") << QStringList{"--lang"} << error << QStringList{}
-                                            << "Missing value";
-    QTest::newRow("unknown option") << QStringList{"--bogus"} << error << QStringList{}
-                                    << "Unknown option";
-    QTest::newRow("two references") << QStringList{"A", "B"} << error << QStringList{}
-                                    << "Only one catalog reference";
+    QTest::newRow("unknown language")
+        << QStringList{"--lang", "de"} << error << QStringList{} << "Unknown language 'de'";
+    QTest::newRow("language without value")
+        << QStringList{"--lang"} << error << QStringList{} << "Missing value";
+    QTest::newRow("unknown option")
+        << QStringList{"--bogus"} << error << QStringList{} << "Unknown option";
+    QTest::newRow("two references")
+        << QStringList{"A", "B"} << error << QStringList{} << "Only one catalog reference";
     QTest::newRow("missing catalog folder") << QStringList{"--catalogs", "@TMP/none"} << error
                                             << QStringList{} << "Catalog folder not found";
-    QTest::newRow("screenshot folder missing")
-        << QStringList{"--screenshot", "@TMP/none/shot.png"} << error << QStringList{}
-        << "does not exist";
-    QTest::newRow("screenshot is a folder") << QStringList{"--screenshot", "@TMP"} << error
-                                            << QStringList{} << "it is a folder";
+    QTest::newRow("screenshot folder missing") << QStringList{"--screenshot", "@TMP/none/shot.png"}
+                                               << error << QStringList{} << "does not exist";
+    QTest::newRow("screenshot is a folder")
+        << QStringList{"--screenshot", "@TMP"} << error << QStringList{} << "it is a folder";
 }
 
 void TestProgram::parse()
@@ -119,7 +121,8 @@ void TestProgram::helpAndVersion()
     const CommandLine help = parseCommandLine({"zevxcatalogeditor", "--catalogs", "x", "--help"});
     QCOMPARE(help.action, CommandLine::Action::ShowHelp);
     QVERIFY(help.text.contains(QLatin1String("zevxcatalogeditor [options] [REFERENCE]")));
-    for (const char* option : {"--show-hidden", "--catalogs", "--drawing", "--lang", "--screenshot"})
+    for (const char* option :
+         {"--show-hidden", "--catalogs", "--drawing", "--lang", "--screenshot"})
         QVERIFY2(help.text.contains(QLatin1String(option)), option);
 
     const CommandLine version = parseCommandLine({"zevxcatalogeditor", "--version"});

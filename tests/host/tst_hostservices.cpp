@@ -22,11 +22,13 @@ namespace
 // Runs `action` on the modal widget that is up once the next event loop turns.
 void onNextModal(std::function<void(QWidget*)> action)
 {
-    QTimer::singleShot(0, qApp, [action] {
-        QWidget* modal = QApplication::activeModalWidget();
-        QVERIFY(modal);
-        action(modal);
-    });
+    QTimer::singleShot(0, qApp,
+                       [action]
+                       {
+                           QWidget* modal = QApplication::activeModalWidget();
+                           QVERIFY(modal);
+                           action(modal);
+                       });
 }
 
 } // namespace
@@ -62,11 +64,12 @@ void TestHostServices::scriptedQuestions_data()
     QTest::addColumn<QList<bool>>("answers");
     QTest::addColumn<int>("unscripted");
 
-    QTest::newRow("empty script answers No") << QList<bool>{} << 2 << QList<bool>{false, false} << 2;
-    QTest::newRow("script in order") << QList<bool>{true, false, true} << 3
-                                     << QList<bool>{true, false, true} << 0;
-    QTest::newRow("script runs out") << QList<bool>{true} << 3 << QList<bool>{true, false, false}
-                                     << 2;
+    QTest::newRow("empty script answers No")
+        << QList<bool>{} << 2 << QList<bool>{false, false} << 2;
+    QTest::newRow("script in order")
+        << QList<bool>{true, false, true} << 3 << QList<bool>{true, false, true} << 0;
+    QTest::newRow("script runs out")
+        << QList<bool>{true} << 3 << QList<bool>{true, false, false} << 2;
 }
 
 void TestHostServices::scriptedQuestions()
@@ -136,7 +139,8 @@ void TestHostServices::resourceScopePopsOnException()
 {
     ScriptedHost host;
     ScopedHostServices use(host);
-    auto failingRun = [] {
+    auto failingRun = []
+    {
         ResourceScope scope;
         WaitCursor wait;
         throw std::runtime_error("dialog failed");
@@ -165,16 +169,18 @@ void TestHostServices::qtQuestion()
     QtHostServices host;
     QString caption;
     QMessageBox::Icon icon = QMessageBox::NoIcon;
-    onNextModal([&](QWidget* modal) {
-        auto* box = qobject_cast<QMessageBox*>(modal);
-        QVERIFY(box);
-        caption = box->windowTitle();
-        icon = box->icon();
-        if (reply == 0)
-            QTest::keyClick(box, Qt::Key_Escape);
-        else
-            box->button(QMessageBox::StandardButton(reply))->click();
-    });
+    onNextModal(
+        [&](QWidget* modal)
+        {
+            auto* box = qobject_cast<QMessageBox*>(modal);
+            QVERIFY(box);
+            caption = box->windowTitle();
+            icon = box->icon();
+            if (reply == 0)
+                QTest::keyClick(box, Qt::Key_Escape);
+            else
+                box->button(QMessageBox::StandardButton(reply))->click();
+        });
     QCOMPARE(host.askYesNo(QStringLiteral("Delete?")), expected);
     QCOMPARE(caption, QStringLiteral("Test host"));
     QCOMPARE(icon, QMessageBox::Question);
@@ -185,13 +191,15 @@ void TestHostServices::qtAlert()
     QtHostServices host;
     QString text;
     QString caption;
-    onNextModal([&](QWidget* modal) {
-        auto* box = qobject_cast<QMessageBox*>(modal);
-        QVERIFY(box);
-        text = box->text();
-        caption = box->windowTitle();
-        box->button(QMessageBox::Ok)->click();
-    });
+    onNextModal(
+        [&](QWidget* modal)
+        {
+            auto* box = qobject_cast<QMessageBox*>(modal);
+            QVERIFY(box);
+            text = box->text();
+            caption = box->windowTitle();
+            box->button(QMessageBox::Ok)->click();
+        });
     host.alert(QStringLiteral("Catalog error!"));
     QCOMPARE(text, QStringLiteral("Catalog error!"));
     QCOMPARE(caption, QStringLiteral("Test host"));
@@ -227,18 +235,20 @@ void TestHostServices::qtOpenFileDialog()
 
     QtHostServices host;
     QStringList filters;
-    onNextModal([&](QWidget* modal) {
-        auto* dialog = qobject_cast<QFileDialog*>(modal);
-        QVERIFY(dialog);
-        filters = dialog->nameFilters();
-        dialog->selectFile(path);
-        QMetaObject::invokeMethod(dialog, "accept");
-    });
+    onNextModal(
+        [&](QWidget* modal)
+        {
+            auto* dialog = qobject_cast<QFileDialog*>(modal);
+            QVERIFY(dialog);
+            filters = dialog->nameFilters();
+            dialog->selectFile(path);
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
     const QString chosen = host.getOpenFileName(
         QStringLiteral("Import"), QStringLiteral("Xml files (*.xml);;All Files (*.*)"));
     QCOMPARE(chosen, path);
-    QCOMPARE(filters, (QStringList{QStringLiteral("Xml files (*.xml)"),
-                                   QStringLiteral("All Files (*.*)")}));
+    QCOMPARE(filters,
+             (QStringList{QStringLiteral("Xml files (*.xml)"), QStringLiteral("All Files (*.*)")}));
 }
 
 QTEST_MAIN(TestHostServices)
