@@ -27,6 +27,8 @@ inline constexpr char choice[] = "ch";
 } // namespace Names
 
 inline constexpr int FormatVersion = 1;
+// Nesting deeper than this is taken for a broken (or hostile) file, not a catalog.
+inline constexpr int MaxItemDepth = 256;
 
 // Turns pugixml's UTF-8 texts into QStrings, sharing one QString among equal short texts
 // (tags, category and type names, template names, repeated values), so a big catalog
