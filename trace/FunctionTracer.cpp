@@ -71,11 +71,11 @@ std::string timeStamp()
     return text;
 }
 
-// The traced file names were Windows paths: everything up to the last backslash goes.
-// Our own paths are POSIX ones, so everything up to the last '/' goes as well.
+// Everything up to and including the last backslash goes; a name without one is printed
+// whole. Traced functions pass their bare file name, so the log reads the same everywhere.
 std::string fileNameOnly(const std::string& path)
 {
-    const std::string::size_type separator = path.find_last_of("\\/");
+    const std::string::size_type separator = path.rfind('\\');
     return separator == std::string::npos ? path : path.substr(separator + 1);
 }
 
@@ -94,21 +94,19 @@ std::string formatV(const char* format, std::va_list arguments)
 
 std::string formatPrefix(const std::string& file, unsigned line, const std::string& function)
 {
-    return FunctionTracer::Format("[%s] %-32s(%5.5i): [%-16s], ", timeStamp().c_str(), fileNameOnly(file).c_str(),
-                                  static_cast<int>(line), function.c_str());
+    return FunctionTracer::Format("[%s] %-32s(%5.5i): [%-16s], ", timeStamp().c_str(),
+                                  fileNameOnly(file).c_str(), static_cast<int>(line),
+                                  function.c_str());
 }
 
 } // namespace
 
-FunctionTracer::FunctionTracer(const char* file, unsigned line, const char* function, int level, bool startTimer,
-                               const void* extra)
-    : m_file(file ? file : "")
-    , m_line(line)
-    , m_function(function ? function : "")
-    , m_level(level)
-    , m_timed(startTimer)
-    , m_start(startTimer ? std::chrono::steady_clock::now() : std::chrono::steady_clock::time_point{})
-    , m_extra(extra)
+FunctionTracer::FunctionTracer(const char* file, unsigned line, const char* function, int level,
+                               bool startTimer, const void* extra)
+    : m_file(file ? file : ""), m_line(line), m_function(function ? function : ""), m_level(level),
+      m_timed(startTimer), m_start(startTimer ? std::chrono::steady_clock::now()
+                                              : std::chrono::steady_clock::time_point{}),
+      m_extra(extra)
 {
     write(m_line, m_level, "Entering function , " + m_function);
     state().callStack.push_back(m_function);
@@ -122,11 +120,13 @@ FunctionTracer::~FunctionTracer()
         stack.pop_back();
 }
 
-bool FunctionTracer::Verify(const FunctionTracer& context, bool condition, const char* expression, unsigned line)
+bool FunctionTracer::Verify(const FunctionTracer& context, bool condition, const char* expression,
+                            unsigned line)
 {
     if (!condition)
     {
-        const std::string body = std::string("Failed verification:  '") + (expression ? expression : "") + "'";
+        const std::string body =
+            std::string("Failed verification:  '") + (expression ? expression : "") + "'";
         context.write(line != 0 ? line : context.m_line, context.m_level, body);
     }
     return condition;

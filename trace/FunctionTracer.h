@@ -4,7 +4,8 @@
 #include <string>
 
 #if defined(__GNUC__)
-#define ZEVX_PRINTF_FORMAT(formatIndex, firstArgument) __attribute__((format(printf, formatIndex, firstArgument)))
+#define ZEVX_PRINTF_FORMAT(formatIndex, firstArgument)                                             \
+    __attribute__((format(printf, formatIndex, firstArgument)))
 #else
 #define ZEVX_PRINTF_FORMAT(formatIndex, firstArgument)
 #endif
@@ -24,8 +25,8 @@ class FunctionTracer
 public:
     static constexpr int kDefaultLevel = 3;
 
-    // `file` is the source file of the traced function; everything up to its last path
-    // separator is dropped when printed. `startTimer` starts the elapsed-time record now;
+    // `file` is the source file of the traced function; everything up to its last backslash
+    // is dropped when printed. `startTimer` starts the elapsed-time record now;
     // `extra` is carried along for the caller and never printed.
     FunctionTracer(const char* file, unsigned line, const char* function, int level = kDefaultLevel,
                    bool startTimer = true, const void* extra = nullptr);
@@ -36,7 +37,8 @@ public:
 
     // Returns `condition` unchanged; when it is false writes
     // "Failed verification:  '<expression>'" at `line` (the tracer's own line when 0).
-    static bool Verify(const FunctionTracer& context, bool condition, const char* expression, unsigned line = 0);
+    static bool Verify(const FunctionTracer& context, bool condition, const char* expression,
+                       unsigned line = 0);
 
     // A further line of the traced function: prefix, then `text`.
     void Log(int level, const std::string& text) const;
@@ -65,16 +67,13 @@ private:
 
 // Trace the enclosing function under an explicit file name and line, as the log has always
 // shown them:   ZEVX_TRACE_FUNCTION("CCatalogEditorDlg::OnBnClickedOk", "CatalogEditorDlg", 414);
-#define ZEVX_TRACE_FUNCTION(function, file, line) \
+#define ZEVX_TRACE_FUNCTION(function, file, line)                                                  \
     FunctionTracer zevxTracer((file), (line), (function), FunctionTracer::kDefaultLevel)
-#define ZEVX_TRACE_FUNCTION_LEVEL(function, file, line, level) \
+#define ZEVX_TRACE_FUNCTION_LEVEL(function, file, line, level)                                     \
     FunctionTracer zevxTracer((file), (line), (function), (level))
-// Trace the enclosing function where it stands in the source.
-#define ZEVX_TRACE_HERE(function) \
-    FunctionTracer zevxTracer(__FILE__, __LINE__, (function), FunctionTracer::kDefaultLevel)
 // Verify a condition of the traced function; the condition's own text is logged when it fails:
 //   ZEVX_TRACE_VERIFY(ptrCatalog.get() != 0, 977);
-#define ZEVX_TRACE_VERIFY(condition, line) \
+#define ZEVX_TRACE_VERIFY(condition, line)                                                         \
     FunctionTracer::Verify(zevxTracer, static_cast<bool>(condition), #condition, (line))
 // A further line of the traced function: ZEVX_TRACE_LOG(3, "Dodan item: %s", name.c_str());
 #define ZEVX_TRACE_LOG(level, ...) zevxTracer.Log((level), FunctionTracer::Format(__VA_ARGS__))
