@@ -1,14 +1,13 @@
-// Dialog commands: OK and Cancel, the keys of the trees and the label editor, new item and
-// delete.
+// Dialog commands: OK and Cancel, the keys of the trees and the label editor, and the
+// deletions.
 #include "editor/CatalogEditorDlg.h"
 
 #include "catalog/Catalog.h"
 #include "catalog/CatalogItem.h"
-#include "catalog/CatalogItemTemplate.h"
 #include "catalog/CatalogManager.h"
 #include "catalog/ModuleConfiguration.h"
 #include "editor/CatalogEditorIds.h"
-#include "editor/UniqueChildName.h"
+#include "editor/CatalogEdits.h"
 #include "host/HostServices.h"
 #include "trace/FunctionTracer.h"
 
@@ -24,7 +23,6 @@ namespace Ids = ZEVGis::Editor::Ids;
 namespace
 {
 constexpr unsigned MsgConfirmDelete = 50005;
-constexpr unsigned MsgItemIntoGroupOfGroups = 6538;
 } // namespace
 
 void CCatalogEditorDlg::ConnectControls()
@@ -33,7 +31,13 @@ void CCatalogEditorDlg::ConnectControls()
         {Ids::Ok, &CCatalogEditorDlg::OnBnClickedOk},
         {Ids::Cancel, &CCatalogEditorDlg::OnBnClickedCancel},
         {Ids::BtnNew, &CCatalogEditorDlg::OnBnClickedBtnNew},
+        {Ids::BtnNewItems, &CCatalogEditorDlg::OnBnClickedBtnNewFromItem},
+        {Ids::BtnAddGroup, &CCatalogEditorDlg::OnBnClickedBtnAddGroup},
         {Ids::BtnDelete, &CCatalogEditorDlg::OnBnClickedBtnDel},
+        {Ids::BtnUp, &CCatalogEditorDlg::OnBnClickedBtnUp},
+        {Ids::BtnDown, &CCatalogEditorDlg::OnBnClickedBtnDown},
+        {Ids::BtnSort, &CCatalogEditorDlg::OnBnClickedBtnSort},
+        {Ids::BtnAddToApp, &CCatalogEditorDlg::OnBnClickedBtnAddToApp},
         {Ids::BtnSetDefault, &CCatalogEditorDlg::OnBnClickedBtnSetDefault},
         {Ids::BtnInfo, &CCatalogEditorDlg::OnBnClickedBtnInfo},
         {Ids::BtnTest, &CCatalogEditorDlg::OnBnClickedBtnTest},
@@ -50,8 +54,13 @@ void CCatalogEditorDlg::ConnectControls()
                 [this, upper] { OnTreeSelChanged(upper); });
         connect(tree, &CatalogTreeWidget::labelEditEnded, this,
                 [this, upper](QTreeWidgetItem* row) { OnLabelEditEnded(upper, row); });
+        tree->setContextMenuPolicy(Qt::CustomContextMenu);
+        connect(tree, &QWidget::customContextMenuRequested, this,
+                [this, upper](const QPoint& pos) { OnTreeContextMenu(upper, pos); });
         tree->installEventFilter(this);
     }
+    connect(m_catalogTree, &CatalogTreeWidget::itemDropped, this,
+            &CCatalogEditorDlg::OnItemDropped);
 }
 
 void CCatalogEditorDlg::OnBnClickedOk()
@@ -135,86 +144,8 @@ void CCatalogEditorDlg::keyPressEvent(QKeyEvent* event)
     QDialog::keyPressEvent(event);
 }
 
-void CCatalogEditorDlg::OnBnClickedBtnNew()
-{
-    ZEVX_TRACE_FUNCTION("CCatalogEditorDlg::OnBnClickedBtnNew", "CatalogEditorDlg", 741);
-    if (Host::HostServices::current().isCtrlPressed())
-    {
-        UpgradeCurrentItem();
-        return;
-    }
-    NewItemFromTemplate();
-}
-
-// A new item from the chosen template: inside the selected group, or beside the selected item.
-void CCatalogEditorDlg::NewItemFromTemplate()
-{
-    QTreeWidgetItem* row = m_catalogTree->currentItem();
-    const auto tmpl = SelectedTemplate();
-    CCatalogItem* selected = Editor::CatalogItemOfRow(row);
-    const auto catalog = GetCatalog(1);
-    if (!row || !tmpl || !selected || !catalog || !catalog->GetFactory())
-        return;
-
-    // The new item goes into `holder`; its parent link is the catalog's own item.
-    CCatalogItem* holder = nullptr;
-    boost::shared_ptr<CCatalogItem> parent;
-    QTreeWidgetItem* parentRow = nullptr;
-    if (selected->IsGroup())
-    {
-        for (const auto& [guid, sub] : *selected->GetSubItems())
-        {
-            if (sub && sub->IsGroup())
-            {
-                Host::HostServices::current().alert(
-                    CModuleConfiguration::Instance()->GetMsg(MsgItemIntoGroupOfGroups), this);
-                return;
-            }
-        }
-        holder = selected;
-        parent = catalog->GetItembyGuid(selected->GetGUID());
-        parentRow = row;
-    }
-    else
-    {
-        parent = selected->GetParentItem();
-        holder = parent.get();
-        parentRow = row->parent();
-        if (!parent || !parent->IsGroup() || !parentRow)
-            return;
-    }
-
-    const auto factory = catalog->GetFactory();
-    const auto made = factory->CreateItemFromTemplate(tmpl.get());
-    if (!made)
-        return;
-    QString base = factory->GetNewItemName(tmpl.get());
-    if (base.isEmpty())
-        base = holder->GetName();
-    made->SetName(Editor::UniqueChildName(nullptr, holder, &base));
-    made->SetParentItem(parent);
-    holder->AddSubItem(made);
-    if (!catalog->AddItem(made))
-        return;
-    CCatalogManager::Instance()->ExtendCatalogItem(catalog->GetReference(), made);
-    AddNewItemRow(parentRow, row, made);
-}
-
-void CCatalogEditorDlg::AddNewItemRow(QTreeWidgetItem* parentRow, QTreeWidgetItem* expandRow,
-                                      const boost::shared_ptr<CCatalogItem>& item)
-{
-    auto* newRow =
-        new Editor::CatalogTreeRowItem(item.get(), item->GetName(), Editor::ImageItem, &m_images);
-    parentRow->addChild(newRow);
-    expandRow->setExpanded(true);
-    m_catalogTree->setCurrentItem(newRow);
-    m_catalogTree->scrollToItem(newRow);
-    m_itemRows[item.get()] = newRow;
-}
-
 void CCatalogEditorDlg::OnBnClickedBtnDel()
 {
-    const QString question = CModuleConfiguration::Instance()->GetMsg(MsgConfirmDelete);
     const bool upper = m_activeTree == 1;
     CatalogTreeWidget* tree = upper ? m_drawingTree : m_catalogTree;
     QTreeWidgetItem* row = tree->currentItem();
@@ -229,7 +160,7 @@ void CCatalogEditorDlg::OnBnClickedBtnDel()
         DeleteRootLevel(upper ? 0 : 1);
         return;
     }
-    if (!Host::HostServices::current().askYesNo(question, windowTitle(), this))
+    if (!ConfirmDelete())
         return;
     const QString guid = item->GetGUID();
     ForgetRows(row);
@@ -239,20 +170,37 @@ void CCatalogEditorDlg::OnBnClickedBtnDel()
     delete row;
 }
 
+bool CCatalogEditorDlg::ConfirmDelete()
+{
+    return Host::HostServices::current().askYesNo(
+        CModuleConfiguration::Instance()->GetMsg(MsgConfirmDelete), windowTitle(), this);
+}
+
 void CCatalogEditorDlg::DeleteRootLevel(int which)
 {
-    const QString question = CModuleConfiguration::Instance()->GetMsg(MsgConfirmDelete);
-    if (!Host::HostServices::current().askYesNo(question, windowTitle(), this))
+    if (!ConfirmDelete())
         return;
-    const auto catalog = GetCatalog(which);
-    if (!catalog)
+    if (const auto catalog = GetCatalog(which))
+    {
+        m_currentItem = nullptr;
+        Editor::DeleteRootElements(*catalog);
+        RefillTree(which);
+    }
+}
+
+void CCatalogEditorDlg::DeleteGroupContents(CCatalogItem* group, int which)
+{
+    if (!group || !ConfirmDelete())
         return;
-    // Copied first: deleting changes the map under the loop.
-    std::vector<boost::shared_ptr<CCatalogItem>> rootElements;
-    for (const auto& [guid, element] : *catalog->GetRootElementsMap())
-        rootElements.push_back(element);
-    m_currentItem = nullptr;
-    for (const auto& element : rootElements)
-        catalog->DeleteItem(element);
-    FillTree(which == 0, catalog.get());
+    if (const auto catalog = GetCatalog(which))
+    {
+        m_currentItem = nullptr;
+        Editor::DeleteSubItems(*catalog, *group);
+        RefillTree(which);
+    }
+}
+
+void CCatalogEditorDlg::RefillTree(int which)
+{
+    FillTree(which == 0, GetCatalog(which).get());
 }

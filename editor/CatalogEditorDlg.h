@@ -6,6 +6,7 @@
 #include "controls/PropertyExGridCtrl.h"
 #include "editor/ButtonStates.h"
 #include "editor/CatalogTreeWidget.h"
+#include "editor/TreeContextMenu.h"
 
 #include <QDialog>
 #include <QString>
@@ -36,7 +37,9 @@ class CPropertyEx;
 //
 // The start-up runs when the dialog is first shown or executed; a registry that offers no
 // catalog alerts "Catalog error!" and ends the dialog as cancelled.
-class CCatalogEditorDlg : public QDialog, public CCallbackItemUpdated, public CCallbackItemSelChanged
+class CCatalogEditorDlg : public QDialog,
+                          public CCallbackItemUpdated,
+                          public CCallbackItemSelChanged
 {
     Q_OBJECT
 public:
@@ -61,7 +64,13 @@ public:
     void OnBnClickedOk();
     void OnBnClickedCancel();
     void OnBnClickedBtnNew();
+    void OnBnClickedBtnNewFromItem();
+    void OnBnClickedBtnAddGroup();
     void OnBnClickedBtnDel();
+    void OnBnClickedBtnUp();
+    void OnBnClickedBtnDown();
+    void OnBnClickedBtnSort();
+    void OnBnClickedBtnAddToApp();
     void OnBnClickedBtnSetDefault();
     void OnBnClickedBtnInfo();
     void OnBnClickedBtnTest();
@@ -80,6 +89,19 @@ public:
     int PictureDrawMode() const { return m_pictureDrawMode; }
     // The lower tree's row of an item below its top level, or null.
     QTreeWidgetItem* RowOfItem(ZEVGis::Data::CCatalogItem* item) const;
+
+    // Operations the trees' context menu starts; `which` as for GetCatalog.
+    void DeleteRootLevel(int which);
+    void DeleteGroupContents(ZEVGis::Data::CCatalogItem* group, int which);
+    // Copies a group of the catalog tree with its direct children to the root level; the new
+    // group (empty on failure).
+    boost::shared_ptr<ZEVGis::Data::CCatalogItem> CopyGroup(ZEVGis::Data::CCatalogItem* source);
+    // A drop of the catalog tree's row `dragged` on `target` (null: the root row): moves the
+    // item there, or copies it with Ctrl held, then shows the catalog again.
+    void OnItemDropped(QTreeWidgetItem* dragged, QTreeWidgetItem* target);
+
+    // The direction of the next "SORT", shared by every editor of the module.
+    static bool NextSortAscending();
 
 public slots:
     void accept() override;
@@ -129,11 +151,24 @@ private:
     void UpgradeCurrentItem();
 
     // Commands (CatalogEditorCommands.cpp)
+    bool HandleTreeKey(QObject* tree, QKeyEvent* key);
+    bool ConfirmDelete();
+    void RefillTree(int which);
+
+    // New entries (CatalogEditorNewItems.cpp)
     void NewItemFromTemplate();
     void AddNewItemRow(QTreeWidgetItem* parentRow, QTreeWidgetItem* expandRow,
                        const boost::shared_ptr<ZEVGis::Data::CCatalogItem>& item);
-    void DeleteRootLevel(int which);
-    bool HandleTreeKey(QObject* tree, QKeyEvent* key);
+
+    // Order and drag and drop (CatalogEditorOrdering.cpp)
+    void MoveSelected(bool down);
+    void CopyDroppedItem(ZEVGis::Data::CCatalog& catalog, ZEVGis::Data::CCatalogItem& source,
+                         QTreeWidgetItem* target);
+    void RefillCatalogTreeKeepingExpansion();
+
+    // Context menu and the copy to the application catalog (CatalogEditorMenu.cpp)
+    void OnTreeContextMenu(bool upper, const QPoint& pos);
+    void RunMenuCommand(ZEVGis::Editor::TreeMenuCommand command, bool upper, QTreeWidgetItem* row);
 
     QAbstractButton* Button(int id) const;
 

@@ -4,6 +4,10 @@
 #include "catalog/CatalogItem.h"
 #include "host/HostServices.h"
 
+#include <QApplication>
+#include <QMouseEvent>
+#include <QPainter>
+
 namespace ZEVGis::Editor
 {
 
@@ -92,6 +96,7 @@ QTreeWidgetItem* CatalogTreeWidget::fill(Data::CCatalog* catalog, const QString&
     Host::WaitCursor wait;
     setUpdatesEnabled(false);
     m_editRow = nullptr;
+    endItemDrag();
     if (rowMap)
         rowMap->clear();
     clear();
@@ -145,6 +150,102 @@ void CatalogTreeWidget::closeEditor(QWidget* editor, QAbstractItemDelegate::EndE
     m_editRow = nullptr;
     if (row)
         emit labelEditEnded(row);
+}
+
+void CatalogTreeWidget::setItemDragEnabled(bool enabled, const QCursor& cursor)
+{
+    m_itemDrag = enabled;
+    m_dragCursor = cursor;
+}
+
+void CatalogTreeWidget::mousePressEvent(QMouseEvent* event)
+{
+    m_pressRow = nullptr;
+    if (m_itemDrag && event->button() == Qt::LeftButton)
+    {
+        m_pressPos = event->position().toPoint();
+        m_pressRow = itemAt(m_pressPos);
+    }
+    QTreeWidget::mousePressEvent(event);
+}
+
+void CatalogTreeWidget::mouseMoveEvent(QMouseEvent* event)
+{
+    const QPoint pos = event->position().toPoint();
+    if (!m_dragRow && m_pressRow && (event->buttons() & Qt::LeftButton) &&
+        (pos - m_pressPos).manhattanLength() >= QApplication::startDragDistance())
+    {
+        // Groups stay where they are: only items are dragged.
+        const Data::CCatalogItem* item = CatalogItemOfRow(m_pressRow);
+        if (item && !item->IsGroup())
+            m_dragRow = m_pressRow;
+        m_pressRow = nullptr;
+    }
+    if (!m_dragRow)
+    {
+        QTreeWidget::mouseMoveEvent(event);
+        return;
+    }
+    trackDrop(pos);
+}
+
+void CatalogTreeWidget::trackDrop(const QPoint& pos)
+{
+    if (!viewport()->rect().contains(pos))
+    {
+        viewport()->setCursor(Qt::ForbiddenCursor);
+        return;
+    }
+    viewport()->setCursor(m_dragCursor);
+    QTreeWidgetItem* row = itemAt(pos);
+    if (row != m_dropRow)
+    {
+        m_dropRow = row;
+        viewport()->update();
+    }
+}
+
+void CatalogTreeWidget::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (!m_dragRow)
+    {
+        m_pressRow = nullptr;
+        QTreeWidget::mouseReleaseEvent(event);
+        return;
+    }
+    trackDrop(event->position().toPoint());
+    QTreeWidgetItem* dragged = m_dragRow;
+    QTreeWidgetItem* target = m_dropRow;
+    // The receiver may refill the tree: the drag is over before it hears of the drop.
+    endItemDrag();
+    emit itemDropped(dragged, target);
+}
+
+void CatalogTreeWidget::endItemDrag()
+{
+    const bool wasDragging = m_dragRow != nullptr;
+    m_pressRow = nullptr;
+    m_dragRow = nullptr;
+    m_dropRow = nullptr;
+    if (wasDragging)
+    {
+        viewport()->unsetCursor();
+        viewport()->update();
+    }
+}
+
+void CatalogTreeWidget::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                                const QModelIndex& index) const
+{
+    QTreeWidget::drawRow(painter, option, index);
+    if (!m_dropRow || itemFromIndex(index) != m_dropRow)
+        return;
+    QColor highlight = palette().color(QPalette::Highlight);
+    highlight.setAlpha(80);
+    painter->fillRect(option.rect, highlight);
+    // The insert mark below the drop row.
+    painter->fillRect(QRect(option.rect.left(), option.rect.bottom() - 1, option.rect.width(), 2),
+                      palette().color(QPalette::Highlight));
 }
 
 } // namespace ZEVGis::Editor

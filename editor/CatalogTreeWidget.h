@@ -2,6 +2,7 @@
 
 #include "editor/CatalogTreeFill.h"
 
+#include <QCursor>
 #include <QIcon>
 #include <QTreeWidget>
 #include <array>
@@ -79,15 +80,40 @@ public:
     // The text the row had when its label editor opened.
     QString textBeforeEdit() const { return m_textBeforeEdit; }
 
+    // Item rows (not groups, not the root) can be dragged with the left button; over the tree
+    // the pointer shows `cursor`, elsewhere that no drop is possible there.
+    void setItemDragEnabled(bool enabled, const QCursor& cursor);
+    bool isDraggingItem() const { return m_dragRow != nullptr; }
+    // The row a drop would go to now (highlighted, with the insert mark below it).
+    QTreeWidgetItem* dropRow() const { return m_dropRow; }
+
 signals:
     // The label editor of `row` closed, with the new text accepted (the row's text) or
     // cancelled (the old text is back).
     void labelEditEnded(QTreeWidgetItem* row);
+    // The left button was released while `dragged` was dragged. `target` is the row under the
+    // pointer, or the last row it crossed when released outside the tree; null for none.
+    void itemDropped(QTreeWidgetItem* dragged, QTreeWidgetItem* target);
 
 protected:
     void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) const override;
 
 private:
+    void trackDrop(const QPoint& pos);
+    void endItemDrag();
+
+    bool m_itemDrag = false;
+    QCursor m_dragCursor;
+    QTreeWidgetItem* m_pressRow = nullptr;
+    QPoint m_pressPos;
+    QTreeWidgetItem* m_dragRow = nullptr;
+    QTreeWidgetItem* m_dropRow = nullptr;
+
     const TreeImageList* m_images = nullptr;
     QTreeWidgetItem* m_editRow = nullptr;
     QString m_textBeforeEdit;
