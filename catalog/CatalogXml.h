@@ -56,19 +56,40 @@ public:
     QString text(const char* utf8);
 
 private:
+    struct Collected
+    {
+        QString guid;
+        boost::shared_ptr<CCatalogItem> item;
+        ptrdiff_t offset;
+    };
+
     bool readItemInto(pugi::xml_node node, const boost::shared_ptr<CCatalogItem>& item);
+    bool readAttributes(pugi::xml_node node, CCatalogItem& target);
     bool readProperties(pugi::xml_node node, CCatalogItem& item);
+    bool readProperty(pugi::xml_node node, size_t slot, CPropertyEx& property,
+                      const CCatalogItem& item);
+    // Moves the items read so far into `all`; false when two share a GUID.
+    bool collectedInto(CCatalog::ItemMap& all);
     bool fail(pugi::xml_node node, const QString& why);
-    CPropertyEx::ExtraPtr extra(const char* caption, const char* picture,
-                                                      bool readOnly, pugi::xml_node choiceNode);
+    bool failAt(ptrdiff_t offset, const QString& why);
+    CPropertyEx::ExtraPtr extra(const char* caption, const char* picture, bool readOnly,
+                                pugi::xml_node choiceNode);
 
     std::unique_ptr<StringPool> m_pool;
+    const QString m_nameTag;
     QString m_error;
     const char* m_text = nullptr;
     size_t m_size = 0;
     std::vector<std::pair<boost::shared_ptr<CCatalogItem>, QString>> m_pendingParents;
-    CCatalog::ItemMap* m_all = nullptr;
+    // Items with sub-items: every item read, registered by GUID at the end.
+    bool m_withSubItems = false;
+    std::vector<Collected> m_collected;
     int m_depth = 0;
+    // The raw name of the item being read, to spot the property that repeats it.
+    const char* m_itemName = "";
+    std::vector<pugi::xml_node> m_categoryNodes;
+    std::vector<pugi::xml_node> m_propertyNodes;
+    std::string m_extraKey;
     std::unordered_map<std::string, CPropertyEx::ExtraPtr> m_extras;
 };
 
