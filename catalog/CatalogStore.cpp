@@ -268,28 +268,28 @@ std::vector<boost::shared_ptr<CCatalogItemTemplate>> CatalogStore::templates(con
     return entry ? entry->templates : std::vector<boost::shared_ptr<CCatalogItemTemplate>>();
 }
 
-boost::shared_ptr<CCatalog> CatalogStore::load(const Entry& entry, const QString& path,
-                                               bool missingIsEmpty)
+CatalogStore::Loaded CatalogStore::load(const QString& reference, const QString& pictureFolder,
+                                        const QString& path, bool missingIsEmpty)
 {
+    Loaded loaded;
     auto catalog = boost::make_shared<CCatalog>();
-    auto factory = boost::make_shared<CDefaultCatalogItemFactory>(pictureFolder());
-    catalog->SetFactory(factory);
-    const QString reference = entry.metadata->reference;
+    catalog->SetFactory(boost::make_shared<CDefaultCatalogItemFactory>(pictureFolder));
 
     if (missingIsEmpty && !QFileInfo::exists(path)) {
         catalog->SetReference(reference);
-        return catalog;
+        loaded.catalog = catalog;
+        return loaded;
     }
     QByteArray bytes;
     QString why;
     if (!readFile(path, bytes, why)) {
-        error(QStringLiteral("Catalog %1: %2 cannot be read: %3").arg(reference, path, why));
-        return {};
+        loaded.errors << QStringLiteral("Catalog %1: %2 cannot be read: %3").arg(reference, path, why);
+        return loaded;
     }
     if (!catalog->ParseXMLBytes(bytes)) {
-        error(QStringLiteral("Catalog %1: %2 is not a catalog file: %3")
-                  .arg(reference, path, catalog->ParseError()));
-        return {};
+        loaded.errors << QStringLiteral("Catalog %1: %2 is not a catalog file: %3")
+                             .arg(reference, path, catalog->ParseError());
+        return loaded;
     }
     if (catalog->GetReference().compare(reference, Qt::CaseInsensitive) != 0
         && !catalog->GetReference().isEmpty())
@@ -297,7 +297,15 @@ boost::shared_ptr<CCatalog> CatalogStore::load(const Entry& entry, const QString
                                            .arg(reference, path, catalog->GetReference());
     // The registry's spelling of the reference wins.
     catalog->SetReference(reference);
-    return catalog;
+    loaded.catalog = catalog;
+    return loaded;
+}
+
+boost::shared_ptr<CCatalog> CatalogStore::take(Loaded loaded)
+{
+    for (const QString& message : std::as_const(loaded.errors))
+        error(message);
+    return loaded.catalog;
 }
 
 boost::shared_ptr<CCatalog> CatalogStore::catalog(const QString& reference, int which)
@@ -308,10 +316,13 @@ boost::shared_ptr<CCatalog> CatalogStore::catalog(const QString& reference, int 
         error(QStringLiteral("Catalog %1 is not in the registry %2").arg(reference, registryPath()));
         return {};
     }
+    const QString& name = entry->metadata->reference;
     if (which != 0) {
         if (!entry->catalogTried) {
             entry->catalogTried = true;
-            entry->catalog = load(*entry, catalogPath(*entry->metadata), false);
+            entry->catalog = take(entry->catalogAhead.valid()
+                                      ? entry->catalogAhead.get()
+                                      : load(name, pictureFolder(), catalogPath(*entry->metadata), false));
         }
         return entry->catalog;
     }
@@ -319,7 +330,17 @@ boost::shared_ptr<CCatalog> CatalogStore::catalog(const QString& reference, int 
         return {};
     if (!entry->drawingCopyTried) {
         entry->drawingCopyTried = true;
-        entry->drawingCopy = load(*entry, drawingCopyPath(*entry->metadata), true);
+        // Whoever shows a drawing copy shows its catalog beside it: read that file on the
+        // other core meanwhile. Its errors are reported when it is asked for, as before.
+        if (!entry->catalogTried && !entry->catalogAhead.valid()) {
+            try {
+                entry->catalogAhead = std::async(std::launch::async, &CatalogStore::load, name,
+                                                 pictureFolder(), catalogPath(*entry->metadata), false);
+            } catch (const std::system_error&) {
+                // No thread to be had: the catalog is read when it is asked for.
+            }
+        }
+        entry->drawingCopy = take(load(name, pictureFolder(), drawingCopyPath(*entry->metadata), true));
     }
     return entry->drawingCopy;
 }
@@ -385,6 +406,8 @@ void CatalogStore::reload(const QString& reference)
 {
     loadRegistry();
     if (Entry* entry = find(reference)) {
+        if (entry->catalogAhead.valid())
+            entry->catalogAhead.get(); // read before the reload: dropped with its errors
         entry->catalog.reset();
         entry->drawingCopy.reset();
         entry->catalogTried = false;

@@ -12,6 +12,7 @@
 #include <QString>
 #include <QStringList>
 #include <boost/shared_ptr.hpp>
+#include <future>
 #include <vector>
 
 namespace ZEVGis::Data
@@ -60,6 +61,13 @@ public:
     static bool seedFromSamples(const QString& folder, QString& why);
 
 private:
+    // A catalog read from its file, with the problems met (reported when it is taken).
+    struct Loaded
+    {
+        boost::shared_ptr<CCatalog> catalog;
+        QStringList errors;
+    };
+
     struct Entry
     {
         boost::shared_ptr<CCatalogMetadata> metadata;
@@ -68,11 +76,16 @@ private:
         boost::shared_ptr<CCatalog> drawingCopy;
         bool catalogTried = false;
         bool drawingCopyTried = false;
+        // The catalog being read on another thread while the drawing copy is read here.
+        std::future<Loaded> catalogAhead;
     };
 
     void loadRegistry();
     Entry* find(const QString& reference);
-    boost::shared_ptr<CCatalog> load(const Entry& entry, const QString& path, bool missingIsEmpty);
+    boost::shared_ptr<CCatalog> take(Loaded loaded);
+    // Reads a catalog file; touches nothing of the store, so it may run on any thread.
+    static Loaded load(const QString& reference, const QString& pictureFolder,
+                       const QString& path, bool missingIsEmpty);
 
     QString m_root;
     QString m_drawingPath;

@@ -212,6 +212,30 @@ private slots:
         QCOMPARE(manager()->DrawingPath(), store.path(QStringLiteral("drugi.dwg")));
     }
 
+    void catalogReadAheadReportsWhenAskedFor()
+    {
+        // The catalog is read beside the drawing copy; its problems still come with it.
+        SmallStore store;
+        QVERIFY(writeAll(store.path(QStringLiteral("sub/test.xml")), "<catalog><i id=\"{1}\">"));
+        QVERIFY(manager()->GetCatalog(QStringLiteral("TEST"), 0));
+        QVERIFY(manager()->TakeErrors().isEmpty());
+        QVERIFY(!manager()->GetCatalog(QStringLiteral("TEST"), 1));
+        const QString errors = manager()->TakeErrors().join(u'\n');
+        QVERIFY2(errors.contains(store.path(QStringLiteral("sub/test.xml"))), qPrintable(errors));
+        // A reload reads the mended file, whether the read ahead was taken or not.
+        QVERIFY(writeAll(store.path(QStringLiteral("sub/test.xml")), "<catalog><i id=\"{2}\"/></catalog>"));
+        for (int taken : {1, 0}) {
+            manager()->ReloadCatalog(QStringLiteral("TEST"));
+            QVERIFY(manager()->GetCatalog(QStringLiteral("TEST"), 0));
+            if (taken)
+                QVERIFY(manager()->GetCatalog(QStringLiteral("TEST"), 1)->GetItembyGuid(QStringLiteral("{2}")));
+        }
+        QVERIFY(writeAll(store.path(QStringLiteral("sub/test.xml")), "<catalog><i id=\"{3}\"/></catalog>"));
+        manager()->ReloadCatalog(QStringLiteral("TEST"));
+        QVERIFY(manager()->GetCatalog(QStringLiteral("TEST"), 1)->GetItembyGuid(QStringLiteral("{3}")));
+        QVERIFY(manager()->TakeErrors().isEmpty());
+    }
+
     void saveWritesAndReloadDrops()
     {
         SmallStore store;
