@@ -1,11 +1,15 @@
-// The editor's widget-free logic: button states, tree rows, combo lines, default marking and
-// unique names, checked on small catalogs built in memory.
+// The editor's widget-free logic: button states, tree rows, combo lines, default marking,
+// unique names, sibling order, catalog edits and the copy to the application catalog,
+// checked on small catalogs built in memory.
 #include "catalog/CatalogItemTemplate.h"
 #include "catalog/CatalogMetadata.h"
+#include "editor/AddToApplication.h"
 #include "editor/ButtonStates.h"
 #include "editor/CatalogComboLines.h"
+#include "editor/CatalogEdits.h"
 #include "editor/CatalogTreeFill.h"
 #include "editor/DefaultItemMarking.h"
+#include "editor/SiblingOrder.h"
 #include "editor/UniqueChildName.h"
 #include "tests/editor/CatalogBuilder.h"
 
@@ -25,8 +29,8 @@ QString describe(const std::optional<EditorButtonStates>& states)
         return QStringLiteral("unchanged");
     QStringList on;
     const std::pair<bool, const char*> buttons[] = {
-        {states->newGroup, "107"}, {states->remove, "108"},     {states->newItem, "105"},
-        {states->newItems, "110"}, {states->moveUpDown, "119"}, {states->sort, "120"},
+        {states->newGroup, "107"},  {states->remove, "108"},     {states->newItem, "105"},
+        {states->newItems, "110"},  {states->moveUpDown, "119"}, {states->sort, "120"},
         {states->setDefault, "123"}};
     for (const auto& [enabled, id] : buttons)
         if (enabled)
@@ -42,6 +46,31 @@ boost::shared_ptr<CCatalogMetadata> metadataWith(const QString& reference, const
     metadata->nameUI = name;
     metadata->hidden = hidden;
     return metadata;
+}
+
+// The entries of `list` by order number (ties: list order), as "name" or "name:ord".
+QString byOrder(ItemList list, bool withOrd = false)
+{
+    std::stable_sort(list.begin(), list.end(),
+                     [](const auto& a, const auto& b) { return a->GetOrd() < b->GetOrd(); });
+    QStringList names;
+    for (const auto& item : list)
+        names << (withOrd ? QStringLiteral("%1:%2").arg(item->GetName()).arg(item->GetOrd())
+                          : item->GetName());
+    return names.join(QLatin1Char(' '));
+}
+
+// Every entry of a catalog as "name<parent name", sorted.
+QString entries(CCatalog& catalog)
+{
+    QStringList seen;
+    for (const auto& [guid, item] : *catalog.GetAllElementsMap())
+    {
+        const auto parent = item->GetParentItem();
+        seen << item->GetName() + "<" + (parent ? parent->GetName() : QString());
+    }
+    seen.sort();
+    return seen.join(QLatin1Char(' '));
 }
 
 } // namespace
@@ -62,6 +91,15 @@ private slots:
     void defaultMarking();
     void uniqueChildName_data();
     void uniqueChildName();
+    void renumberByName_data();
+    void renumberByName();
+    void swapWithNeighbour_data();
+    void swapWithNeighbour();
+    void copyGroupTakesOneLevel();
+    void moveIntoGroup_data();
+    void moveIntoGroup();
+    void addToApplication_data();
+    void addToApplication();
 };
 
 void TestEditorLogic::buttonStates_data()
@@ -172,11 +210,14 @@ void TestEditorLogic::comboLines_data()
     QTest::addColumn<int>("selected");
 
     const QStringList all{"Cables", "Poles*** HIDDEN ***", "Cables again"};
-    QTest::newRow("hidden left out, first selected") << false << "" << QStringList{"Cables", "Cables again"} << 0;
+    QTest::newRow("hidden left out, first selected")
+        << false << "" << QStringList{"Cables", "Cables again"} << 0;
     QTest::newRow("hidden shown with marker") << true << "" << all << 0;
     QTest::newRow("reference ignoring case") << true << "POLES" << all << 1;
-    QTest::newRow("hidden reference not offered") << false << "poles" << QStringList{"Cables", "Cables again"} << 0;
-    QTest::newRow("last match wins") << false << "cab" << QStringList{"Cables", "Cables again"} << 1;
+    QTest::newRow("hidden reference not offered")
+        << false << "poles" << QStringList{"Cables", "Cables again"} << 0;
+    QTest::newRow("last match wins")
+        << false << "cab" << QStringList{"Cables", "Cables again"} << 1;
     QTest::newRow("unknown reference") << true << "nothing" << all << 0;
 }
 
@@ -203,11 +244,10 @@ void TestEditorLogic::comboLines()
 
 void TestEditorLogic::templatesOfVersionMinusOneAreNotOffered()
 {
-    auto make = [](const QString& name, int version) {
-        return boost::make_shared<CCatalogItemTemplate>(name, version, nullptr);
-    };
-    const auto offered = OfferedTemplates({make("Old", -1), make("Cable", 0), nullptr,
-                                           make("Pole", 3), make("Retired", -1)});
+    auto make = [](const QString& name, int version)
+    { return boost::make_shared<CCatalogItemTemplate>(name, version, nullptr); };
+    const auto offered = OfferedTemplates(
+        {make("Old", -1), make("Cable", 0), nullptr, make("Pole", 3), make("Retired", -1)});
     QCOMPARE(offered.size(), size_t(2));
     QCOMPARE(offered[0]->GetName(), QString("Cable"));
     QCOMPARE(offered[1]->GetName(), QString("Pole"));
@@ -220,10 +260,18 @@ void TestEditorLogic::defaultMarking_data()
     QTest::addColumn<QString>("clearedRows");
 
     // Before: A1 (type A) and B1 (type B) and N1 (no type) are defaults.
-    QTest::newRow("same type cleared") << "A2" << "A2 B1 N1" << "A1 A2";
-    QTest::newRow("exact type comparison") << "a" << "A1 B1 N1 a" << "a";
-    QTest::newRow("without type nothing cleared") << "N2" << "A1 B1 N1 N2" << "";
-    QTest::newRow("group is never marked") << "Group" << "A1 B1 N1" << "";
+    QTest::newRow("same type cleared") << "A2"
+                                       << "A2 B1 N1"
+                                       << "A1 A2";
+    QTest::newRow("exact type comparison") << "a"
+                                           << "A1 B1 N1 a"
+                                           << "a";
+    QTest::newRow("without type nothing cleared") << "N2"
+                                                  << "A1 B1 N1 N2"
+                                                  << "";
+    QTest::newRow("group is never marked") << "Group"
+                                           << "A1 B1 N1"
+                                           << "";
 }
 
 void TestEditorLogic::defaultMarking()
@@ -289,6 +337,204 @@ void TestEditorLogic::uniqueChildName()
     b.item("Cable01", cables);
     const QString* basePtr = base == "<null>" ? nullptr : &base;
     QCOMPARE(UniqueChildName(&b.catalog(), withParent ? cables.get() : nullptr, basePtr), expected);
+}
+
+void TestEditorLogic::renumberByName_data()
+{
+    QTest::addColumn<QStringList>("names");
+    QTest::addColumn<bool>("ascending");
+    QTest::addColumn<QString>("order");
+
+    QTest::newRow("numeric by trailing digits")
+        << QStringList{"A10", "A2", "A1"} << true << "A1 A2 A10";
+    QTest::newRow("one other name: text order")
+        << QStringList{"A10", "A2", "A1", "B"} << true << "A1 A10 A2 B";
+    QTest::newRow("text order by character code") << QStringList{"b", "B", "a"} << true << "B a b";
+    QTest::newRow("first character never in the key")
+        << QStringList{"123", "9", "A7"} << true << "9 A7 123";
+    QTest::newRow("empty name first") << QStringList{"X3", ""} << true << " X3";
+    QTest::newRow("descending reverses equal keys too")
+        << QStringList{"X1", "Y1", "Z2"} << false << "Z2 Y1 X1";
+    QTest::newRow("endless digits saturate")
+        << QStringList{"N" + QString(40, '9'), "N" + QString(30, '9'), "N5"} << true
+        << "N5 N" + QString(40, '9') + " N" + QString(30, '9');
+}
+
+void TestEditorLogic::renumberByName()
+{
+    QFETCH(QStringList, names);
+    QFETCH(bool, ascending);
+    QFETCH(QString, order);
+
+    CatalogBuilder b;
+    ItemList list;
+    for (int i = 0; i < names.size(); ++i)
+        list.push_back(b.item(names[i], {}, 7, QString::number(i)));
+    RenumberByName(list, ascending);
+    QCOMPARE(byOrder(list), order);
+    std::vector<int> ords;
+    for (const auto& item : list)
+        ords.push_back(item->GetOrd());
+    std::sort(ords.begin(), ords.end());
+    for (size_t i = 0; i < ords.size(); ++i)
+        QCOMPARE(ords[i], int(i));
+}
+
+void TestEditorLogic::swapWithNeighbour_data()
+{
+    QTest::addColumn<QList<int>>("ords");
+    QTest::addColumn<int>("moved");
+    QTest::addColumn<bool>("down");
+    QTest::addColumn<QString>("after");
+
+    QTest::newRow("down") << QList<int>{0, 1, 2} << 1 << true << "A:0 C:1 B:2";
+    QTest::newRow("up keeps the gap") << QList<int>{0, 5, 9} << 1 << false << "B:0 A:5 C:9";
+    QTest::newRow("last down") << QList<int>{0, 1, 2} << 2 << true << "A:0 B:1 C:2";
+    QTest::newRow("first up") << QList<int>{0, 1, 2} << 0 << false << "A:0 B:1 C:2";
+    QTest::newRow("equal numbers stay equal") << QList<int>{4, 4, 6} << 0 << true << "A:4 B:4 C:6";
+    QTest::newRow("alone") << QList<int>{3} << 0 << true << "A:3";
+}
+
+void TestEditorLogic::swapWithNeighbour()
+{
+    QFETCH(QList<int>, ords);
+    QFETCH(int, moved);
+    QFETCH(bool, down);
+    QFETCH(QString, after);
+
+    CatalogBuilder b;
+    ItemList list;
+    for (int i = 0; i < ords.size(); ++i)
+        list.push_back(b.item(QString(QChar('A' + i)), {}, ords[i]));
+    SwapWithNeighbour(list, list[size_t(moved)]->GetGUID(), down);
+    QCOMPARE(byOrder(list, true), after);
+}
+
+void TestEditorLogic::copyGroupTakesOneLevel()
+{
+    CatalogBuilder b;
+    b.group("Poles_copy");
+    auto poles = b.group("Poles");
+    b.item("", poles, 0, "{e1}");
+    b.item("", poles, 1, "{e2}");
+    auto sub = b.group("Wood", poles);
+    b.item("Oak", sub);
+
+    const GroupCopy copy = CopyGroup(b.catalog(), *poles);
+    QVERIFY(copy.registered);
+    QCOMPARE(copy.children.size(), size_t(3));
+    // The copy's own name is not made unique; its children's are, and only they come along.
+    QCOMPARE(copy.group->GetName(), QString("Poles_copy"));
+    QStringList children;
+    for (const auto& child : copy.children)
+    {
+        children << child->GetName();
+        QVERIFY(child->GetSubItems()->empty());
+        QCOMPARE(child->GetParentItem(), copy.group);
+    }
+    children.sort();
+    QCOMPARE(children, QStringList({"Wood", "_", "_01"}));
+    QVERIFY(copy.group->GetGUID() != poles->GetGUID());
+}
+
+void TestEditorLogic::moveIntoGroup_data()
+{
+    QTest::addColumn<QString>("moved");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<bool>("done");
+    QTest::addColumn<QString>("parentAfter");
+
+    QTest::newRow("onto a group") << "Cable"
+                                  << "Empty" << true << "Empty";
+    QTest::newRow("onto an item: into its group") << "Cable"
+                                                  << "Pole" << true << "Poles";
+    QTest::newRow("root element leaves the root level") << "Loose"
+                                                        << "Empty" << true << "Empty";
+    QTest::newRow("onto itself: stays") << "Cable"
+                                        << "Cable" << true << "Cables";
+    QTest::newRow("onto a root item: nowhere") << "Cable"
+                                               << "Loose" << false << "Cables";
+    QTest::newRow("a group never below itself") << "Cables"
+                                                << "Inner" << false << "";
+}
+
+void TestEditorLogic::moveIntoGroup()
+{
+    QFETCH(QString, moved);
+    QFETCH(QString, target);
+    QFETCH(bool, done);
+    QFETCH(QString, parentAfter);
+
+    CatalogBuilder b;
+    auto cables = b.group("Cables");
+    b.item("Cable", cables, 4);
+    b.group("Inner", cables);
+    b.item("Pole", b.group("Poles"));
+    b.group("Empty");
+    b.item("Loose");
+    auto item = [&](const QString& name) { return b.catalog().GetItembyGuid("{" + name + "}"); };
+
+    QCOMPARE(MoveIntoGroup(b.catalog(), *item(moved), *item(target)), done);
+    const auto parent = item(moved)->GetParentItem();
+    QCOMPARE(parent ? parent->GetName() : QString(), parentAfter);
+    QCOMPARE(item(moved)->GetParentItemGuid(), parent ? parent->GetGUID() : QString());
+    QCOMPARE(b.catalog().GetRootElementsMap()->count(item(moved)->GetGUID()) == 1, !parent);
+    if (parent)
+        QCOMPARE(parent->GetSubItems()->count(item(moved)->GetGUID()), size_t(1));
+    QCOMPARE(item("Cable")->GetOrd(), 4);
+}
+
+void TestEditorLogic::addToApplication_data()
+{
+    QTest::addColumn<QString>("chosen"); // empty: the root row
+    QTest::addColumn<int>("outcome");
+    QTest::addColumn<QString>("added"); // entries of the catalog that were not there before
+
+    // Drawing: G1 { I1, Sub { Deep } }, G2 { I3 }; catalog: G2 {}, Old.
+    using R = AddToApplicationResult;
+    QTest::newRow("whole catalog, one level down")
+        << "" << int(R::Added) << "G1< I1<G1 I3<G2 Sub<G1";
+    QTest::newRow("group with its direct sub-items") << "G1" << int(R::Added) << "G1< I1<G1 Sub<G1";
+    QTest::newRow("item into its present group") << "I3" << int(R::Added) << "I3<G2";
+    QTest::newRow("item whose group is missing") << "I1" << int(R::Added) << "G1< I1<G1";
+    QTest::newRow("group present") << "G2" << int(R::GroupPresent) << "";
+    QTest::newRow("item present") << "Old" << int(R::ItemPresent) << "";
+}
+
+void TestEditorLogic::addToApplication()
+{
+    QFETCH(QString, chosen);
+    QFETCH(int, outcome);
+    QFETCH(QString, added);
+
+    CatalogBuilder drawing;
+    auto g1 = drawing.group("G1", {}, 3);
+    CatalogBuilder::setProperties(g1, {{"VOLTAGE", "20"}});
+    drawing.item("I1", g1);
+    drawing.item("Deep", drawing.group("Sub", g1));
+    drawing.item("I3", drawing.group("G2"));
+    drawing.item("Old");
+    CatalogBuilder catalog;
+    catalog.group("G2");
+    catalog.item("Old");
+    const QString before = entries(catalog.catalog());
+
+    CCatalogItem* entry =
+        chosen.isEmpty() ? nullptr : drawing.catalog().GetItembyGuid("{" + chosen + "}").get();
+    const auto result = AddToApplication(drawing.catalog(), catalog.catalog(), entry);
+    QCOMPARE(int(result.outcome), outcome);
+    QCOMPARE(result.name, outcome == int(AddToApplicationResult::Added) ? QString() : chosen);
+    QStringList now = entries(catalog.catalog()).split(' ');
+    for (const QString& old : before.split(' '))
+        now.removeOne(old);
+    QCOMPARE(now.join(' '), added);
+    // A copy keeps GUID, order number and properties, and owns its properties.
+    if (const auto copy = catalog.catalog().GetItembyGuid("{G1}"))
+    {
+        QCOMPARE(copy->GetOrd(), 3);
+        QCOMPARE(copy->GetProperty("VOLTAGE")->GetValue().ToString(), QString("20"));
+        QVERIFY(copy->GetProperty("VOLTAGE") != g1->GetProperty("VOLTAGE"));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestEditorLogic)
