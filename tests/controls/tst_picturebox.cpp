@@ -29,28 +29,23 @@ QImage twoColourImage(const QSize& size)
     return image;
 }
 
-// A factory that hands out a fixed picture and remembers what it was asked.
+// A factory that hands out a fixed picture with draw mode 0 and notes what it was asked.
 class FakeFactory : public CDefaultCatalogItemFactory
 {
 public:
     QImage CreatePictureBitmap(const QString& ref, CCatalogItem* item, const QRect& rect,
                                int* drawMode) override
     {
-        ++calls;
-        askedRef = ref;
-        askedItem = item;
-        askedRect = rect;
-        modeIn = *drawMode;
-        *drawMode = modeOut;
+        asked << QString("%1 %2 %3x%4 mode %5")
+                     .arg(ref, item->GetName())
+                     .arg(rect.width())
+                     .arg(rect.height())
+                     .arg(*drawMode);
+        *drawMode = 0;
         return picture;
     }
     QImage picture;
-    int modeOut = 0;
-    int calls = 0;
-    QString askedRef;
-    CCatalogItem* askedItem = nullptr;
-    QRect askedRect;
-    int modeIn = -1;
+    QStringList asked;
 };
 
 } // namespace
@@ -69,24 +64,20 @@ private slots:
         QTest::addColumn<QList<QPoint>>("red");
         QTest::addColumn<QList<QPoint>>("blue");
         QTest::addColumn<QList<QPoint>>("background");
-        // The box is 100 x 80.
-        QTest::newRow("top left") << 0u << QSize(40, 20) << QList<QPoint>{{0, 0}, {19, 19}}
-                                  << QList<QPoint>{{20, 0}, {39, 19}}
-                                  << QList<QPoint>{{40, 0}, {0, 20}, {99, 79}};
+        using Points = QList<QPoint>;
+        // The box is 100 x 80; the picture's left half is red, its right half blue.
+        // clang-format off
+        QTest::newRow("top left")  << 0u << QSize(40, 20) << Points{{0, 0}, {19, 19}} << Points{{20, 0}, {39, 19}}
+                                   << Points{{40, 0}, {0, 20}, {99, 79}};
         // 100 / 2 - 41 / 2 = 30 (not 29), 80 / 2 - 21 / 2 = 30.
-        QTest::newRow("centred, halves each")
-            << 1u << QSize(41, 21) << QList<QPoint>{{30, 30}, {49, 50}}
-            << QList<QPoint>{{50, 30}, {70, 50}}
-            << QList<QPoint>{{29, 30}, {30, 29}, {71, 30}, {30, 51}};
+        QTest::newRow("centred, halves each") << 1u << QSize(41, 21) << Points{{30, 30}, {49, 50}} << Points{{50, 30}, {70, 50}}
+                                   << Points{{29, 30}, {30, 29}, {71, 30}, {30, 51}};
         // Larger than the box: drawn from (-25, -10), clipped.
-        QTest::newRow("centred, larger") << 1u << QSize(150, 100) << QList<QPoint>{{0, 0}, {49, 79}}
-                                         << QList<QPoint>{{50, 0}, {99, 79}} << QList<QPoint>{};
-        QTest::newRow("stretched") << 2u << QSize(10, 10) << QList<QPoint>{{0, 0}, {40, 79}}
-                                   << QList<QPoint>{{60, 0}, {99, 79}} << QList<QPoint>{};
-        QTest::newRow("mode 3") << 3u << QSize(10, 10) << QList<QPoint>{} << QList<QPoint>{}
-                                << QList<QPoint>{{0, 0}, {50, 40}};
-        QTest::newRow("no picture") << 0u << QSize() << QList<QPoint>{} << QList<QPoint>{}
-                                    << QList<QPoint>{{0, 0}, {50, 40}};
+        QTest::newRow("centred, larger") << 1u << QSize(150, 100) << Points{{0, 0}, {49, 79}} << Points{{50, 0}, {99, 79}} << Points{};
+        QTest::newRow("stretched")  << 2u << QSize(10, 10) << Points{{0, 0}, {40, 79}} << Points{{60, 0}, {99, 79}} << Points{};
+        QTest::newRow("mode 3")     << 3u << QSize(10, 10) << Points{} << Points{} << Points{{0, 0}, {50, 40}};
+        QTest::newRow("no picture") << 0u << QSize()       << Points{} << Points{} << Points{{0, 0}, {50, 40}};
+        // clang-format on
     }
     void drawsByMode()
     {
@@ -103,15 +94,12 @@ private slots:
         QCOMPARE(box.isTransparent(), !imageSize.isValid());
         const QImage shot = box.grab().toImage();
         const QColor face = box.palette().color(QPalette::Button);
-        for (const QPoint& p : red)
-            QVERIFY2(shot.pixelColor(p) == QColor(Qt::red),
-                     qPrintable(QString("red at %1,%2").arg(p.x()).arg(p.y())));
-        for (const QPoint& p : blue)
-            QVERIFY2(shot.pixelColor(p) == QColor(Qt::blue),
-                     qPrintable(QString("blue at %1,%2").arg(p.x()).arg(p.y())));
-        for (const QPoint& p : background)
-            QVERIFY2(shot.pixelColor(p) == face,
-                     qPrintable(QString("face at %1,%2").arg(p.x()).arg(p.y())));
+        for (const auto& [points, colour] :
+             {std::pair{red, QColor(Qt::red)}, {blue, QColor(Qt::blue)}, {background, face}})
+            for (const QPoint& p : points)
+                QVERIFY2(
+                    shot.pixelColor(p) == colour,
+                    qPrintable(QString("%1 at %2,%3").arg(colour.name()).arg(p.x()).arg(p.y())));
     }
 
     void loadsFromFile()
@@ -156,7 +144,6 @@ private slots:
         ZEVGis::Host::ScriptedHost host;
         ZEVGis::Host::ScopedHostServices scope(host);
         auto factory = boost::make_shared<FakeFactory>();
-        factory->modeOut = 0;
         if (withPicture)
             factory->picture = twoColourImage(QSize(30, 20));
         auto catalog = boost::make_shared<CCatalog>();
@@ -172,44 +159,36 @@ private slots:
             dialog.SetItem(item);
         dialog.SetPosition(300, 500);
 
+        // Once shown, note where and how, and close with the button of id 2. A timer of this
+        // scope never fires into a later test.
         QPoint shownAt;
         unsigned shownMode = 99;
-        bool closed = false;
-        // A timer of this scope: it never fires into a later test.
-        QTimer showing;
-        showing.setSingleShot(true);
-        connect(&showing, &QTimer::timeout, this,
+        QTimer closer;
+        connect(&closer, &QTimer::timeout, this,
                 [&]
                 {
                     auto* modal =
                         qobject_cast<CPicturePreviewDlg*>(QApplication::activeModalWidget());
-                    if (!modal)
-                        return;
-                    shownAt = modal->frameGeometry().bottomLeft() + QPoint(0, 1);
-                    shownMode = modal->pictureBox()->GetDrawMode();
-                    auto* close = qobject_cast<QPushButton*>(findControlById(modal, 2));
-                    if (close)
+                    if (auto* close =
+                            modal ? qobject_cast<QPushButton*>(findControlById(modal, 2)) : nullptr)
                     {
-                        QTest::mouseClick(close, Qt::LeftButton);
-                        closed = true;
+                        shownAt = modal->frameGeometry().bottomLeft() + QPoint(0, 1);
+                        shownMode = modal->pictureBox()->GetDrawMode();
+                        close->click();
                     }
                 });
-        showing.start(0);
+        closer.start(0);
         QCOMPARE(dialog.exec(), int(QDialog::Rejected));
 
         const bool asked = withCatalog && withItem;
-        QCOMPARE(factory->calls, asked ? 1 : 0);
+        const QSize box = dialog.pictureBox()->size();
+        QCOMPARE(factory->asked, asked ? QStringList{QString("valve.svg Valve %1x%2 mode 2")
+                                                         .arg(box.width())
+                                                         .arg(box.height())}
+                                       : QStringList{});
         QCOMPARE(dialog.windowTitle() == "Valve", asked);
-        if (asked)
-        {
-            QCOMPARE(factory->askedRef, "valve.svg");
-            QCOMPARE(factory->askedItem, item.get());
-            QCOMPARE(factory->modeIn, 2);
-            QCOMPARE(factory->askedRect.size(), dialog.pictureBox()->size());
-        }
         if (asked && withPicture)
         {
-            QVERIFY(closed);
             QCOMPARE(shownAt, QPoint(300, 500));
             QCOMPARE(shownMode, 0u);
             QCOMPARE(dialog.pictureBox()->image(), factory->picture);
@@ -217,7 +196,7 @@ private slots:
         }
         else
         {
-            QVERIFY(!closed);
+            QCOMPARE(shownAt, QPoint()); // never shown
             QVERIFY(!dialog.pictureBox()->hasImage());
             QVERIFY(dialog.pictureBox()->isTransparent());
             QCOMPARE(host.alerts(),
