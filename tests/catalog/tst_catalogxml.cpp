@@ -223,6 +223,46 @@ private slots:
         QVERIFY(catalog.GetAllElementsMap()->empty());
     }
 
+    void manyItemsRoundTrip()
+    {
+        // Enough items for the reader's shortcuts to set in: values that repeat and values
+        // that never do, GUIDs that differ only past their first characters.
+        CCatalog catalog;
+        catalog.SetReference(QStringLiteral("MANY"));
+        auto group = add(catalog, QStringLiteral("{G}"), QStringLiteral("Grupa"), true);
+        const QString nameTag = QString::fromUtf16(CatalogItemNameTag);
+        for (int n = 0; n < 3000; ++n) {
+            const int k = (n * 7919) % 3000; // not in GUID order
+            const QString name = QStringLiteral("Kabel %1").arg(k);
+            auto item = add(catalog, QStringLiteral("{AAAAAAAA-%1}").arg(k, k % 2 ? 4 : 5, 10, QLatin1Char('0')),
+                            name, false, group, k % 5);
+            // Every 100th item has a name property that differs from its name.
+            const QString shown = k % 100 ? name : QStringLiteral("Drugi naziv");
+            item->SetProperties(properties({{QStringLiteral("A"), {prop(nameTag, CDataBox::fromString(shown)),
+                                                                   prop(QStringLiteral("NO"), CDataBox::fromString(QStringLiteral("A-%1").arg(k))),
+                                                                   prop(QStringLiteral("U"), CDataBox::fromString(k % 3 ? QStringLiteral("0,4 kV") : QStringLiteral("20 kV")))}}}));
+        }
+        const QByteArray bytes = catalog.GetXMLBytes();
+        CCatalog loaded;
+        QVERIFY2(loaded.ParseXMLBytes(bytes), qPrintable(loaded.ParseError()));
+        QCOMPARE(dump(loaded), dump(catalog));
+        QCOMPARE(loaded.GetXMLBytes(), bytes);
+
+        // A GUID used twice far apart is found, and the later use is the one named.
+        const auto guidAt = [&](qsizetype from) {
+            const qsizetype start = bytes.indexOf("id=\"", from) + 4;
+            return std::pair{start, bytes.mid(start, bytes.indexOf('"', start) - start)};
+        };
+        const QByteArray firstGuid = guidAt(bytes.indexOf("<i ")).second;
+        const auto [lastAt, lastGuid] = guidAt(bytes.lastIndexOf("<i "));
+        QByteArray twice = bytes;
+        twice.replace(lastAt, lastGuid.size(), firstGuid);
+        QCOMPARE(loaded.ParseXMLBytes(twice), 0);
+        const int line = int(twice.left(lastAt).count('\n')) + 1;
+        QVERIFY2(loaded.ParseError().contains(QStringLiteral("%1 is used by two items (at line %2,").arg(QString::fromLatin1(firstGuid)).arg(line)),
+                 qPrintable(loaded.ParseError()));
+    }
+
     void errorPositionIsLineAndColumn()
     {
         CCatalog catalog;
