@@ -30,76 +30,55 @@ class TestSplitter : public QObject
 private slots:
     void init() { QTest::failOnWarning(QRegularExpression("^(?!This plugin does not support).*")); }
 
-    void createChoosesTypeAndThickness_data()
-    {
-        QTest::addColumn<QRect>("rect");
-        QTest::addColumn<int>("type");
-        QTest::addColumn<QRect>("geometry");
-        const int horizontal = CSplitterControl::SplitterHorizontal;
-        // clang-format off
-        QTest::newRow("wide")   << QRect(10, 100, 300, 20) << horizontal << QRect(10, 100, 300, 5);
-        QTest::newRow("square") << QRect(10, 100, 8, 8)    << horizontal << QRect(10, 100, 8, 5);
-        QTest::newRow("tall")   << QRect(40, 10, 6, 200)   << int(CSplitterControl::SplitterVertical)
-                                << QRect(40, 10, 5, 200);
-        // clang-format on
-    }
-    void createChoosesTypeAndThickness()
-    {
-        QFETCH(QRect, rect);
-        QFETCH(int, type);
-        QFETCH(QRect, geometry);
-        QWidget window;
-        CSplitterControl bar;
-        QCOMPARE(bar.Create(0x50000000, rect, &window, 115), 1);
-        QCOMPARE(bar.GetType(), type);
-        QCOMPARE(bar.geometry(), geometry);
-        QCOMPARE(controlId(&bar), 115);
-        QCOMPARE(bar.cursor().shape(), type == CSplitterControl::SplitterVertical
-                                           ? Qt::SizeHorCursor
-                                           : Qt::SizeVerCursor);
-        QCOMPARE(CSplitterControl().Create(0, rect, nullptr, 1), 0);
-    }
-
-    // Drags the bar by `moveBy` pixels from its centre along its axis and releases it.
+    // Creates a bar on `rect`, drags it by `moveBy` pixels from its centre along its axis
+    // and releases it. A rect at least as wide as high makes a horizontal bar, 5 pixels high.
     void dragMovesWithinRange_data()
     {
-        QTest::addColumn<bool>("vertical");
+        QTest::addColumn<QRect>("rect");
         QTest::addColumn<int>("windowOffset");
         QTest::addColumn<bool>("setRange");
         QTest::addColumn<int>("moveBy");
         QTest::addColumn<int>("delta");
+        const QRect wide(20, 200, 300, 20), tall(200, 20, 6, 300);
         // clang-format off
-        QTest::newRow("within down")           << false << 0  << true  << 7    << 7;
-        QTest::newRow("within up")             << false << 0  << true  << -12  << -12;
-        QTest::newRow("beyond down")           << false << 0  << true  << 100  << 20;
-        QTest::newRow("beyond up")             << false << 0  << true  << -100 << -20;
-        QTest::newRow("range never set")       << false << 0  << false << 30   << 0;
-        QTest::newRow("vertical beyond right") << true  << 0  << true  << 60   << 20;
-        QTest::newRow("vertical within left")  << true  << 0  << true  << -5   << -5;
+        QTest::newRow("within down")           << wide << 0 << true  << 7    << 7;
+        QTest::newRow("within up")             << wide << 0 << true  << -12  << -12;
+        QTest::newRow("beyond down")           << wide << 0 << true  << 100  << 20;
+        QTest::newRow("beyond up")             << wide << 0 << true  << -100 << -20;
+        QTest::newRow("range never set")       << wide << 0 << false << 30   << 0;
+        QTest::newRow("square is horizontal")  << QRect(20, 200, 8, 8) << 0 << true << 9 << 9;
+        QTest::newRow("vertical beyond right") << tall << 0 << true  << 60   << 20;
+        QTest::newRow("vertical within left")  << tall << 0 << true  << -5   << -5;
         // The default root is a screen coordinate while the clamping works in the window's
         // coordinates: with the window 50 pixels down the range lies 50 pixels lower.
-        QTest::newRow("offset window small move") << false << 50 << true << 1   << 30;
-        QTest::newRow("offset window big move")   << false << 50 << true << 100 << 70;
+        QTest::newRow("offset window small move") << wide << 50 << true << 1   << 30;
+        QTest::newRow("offset window big move")   << wide << 50 << true << 100 << 70;
         // clang-format on
     }
     void dragMovesWithinRange()
     {
-        QFETCH(bool, vertical);
+        QFETCH(QRect, rect);
         QFETCH(int, windowOffset);
         QFETCH(bool, setRange);
         QFETCH(int, moveBy);
         QFETCH(int, delta);
         QWidget window;
         CSplitterControl bar;
+        QCOMPARE(bar.Create(0x50000000, rect, nullptr, 115), 0);
         QWidget* panel = panelAt(window, QPoint(windowOffset, windowOffset));
         QVERIFY(panel);
         QCOMPARE(panel->mapToGlobal(QPoint(0, 0)), QPoint(windowOffset, windowOffset));
-        const QRect rect = vertical ? QRect(200, 20, 5, 300) : QRect(20, 200, 300, 5);
-        QVERIFY(bar.Create(0x50000000, rect, panel, 115));
+        QCOMPARE(bar.Create(0x50000000, rect, panel, 115), 1);
+        const bool vertical = rect.height() > rect.width();
+        QCOMPARE(bar.GetType(), vertical ? CSplitterControl::SplitterVertical
+                                         : CSplitterControl::SplitterHorizontal);
+        QCOMPARE(bar.cursor().shape(), vertical ? Qt::SizeHorCursor : Qt::SizeVerCursor);
+        const QRect before = vertical ? QRect(rect.topLeft(), QSize(5, rect.height()))
+                                      : QRect(rect.topLeft(), QSize(rect.width(), 5));
+        QCOMPARE(bar.geometry(), before);
         if (setRange)
             bar.SetRange(20, 20, -1);
         QSignalSpy moved(&bar, &CSplitterControl::splitterMoved);
-        const QRect before = bar.geometry();
 
         const QPoint centre(2, 2);
         const QPoint step = vertical ? QPoint(moveBy, 0) : QPoint(0, moveBy);
@@ -117,7 +96,7 @@ private slots:
                  vertical ? QRect(tp.x() - 1, barOnScreen.top(), 3, barOnScreen.height())
                           : QRect(barOnScreen.left(), tp.y() - 1, barOnScreen.width(), 3));
         const QImage shot = window.grab().toImage();
-        const QPoint first = line->geometry().topLeft() + (vertical ? QPoint(0, 9) : QPoint(9, 0));
+        const QPoint first = line->geometry().topLeft() + (vertical ? QPoint(0, 3) : QPoint(3, 0));
         QCOMPARE(shot.pixel(first), qRgb(200, 200, 200));
         QVERIFY(shot.pixel(first + (vertical ? QPoint(1, 0) : QPoint(0, 1))) !=
                 qRgb(200, 200, 200));
