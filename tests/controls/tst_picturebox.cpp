@@ -108,17 +108,14 @@ private slots:
         QVERIFY(dir.isValid());
         const QString good = dir.filePath("picture.png");
         QVERIFY(twoColourImage(QSize(8, 6)).save(good));
-        const QString bad = dir.filePath("broken.png");
-        {
-            QFile file(bad);
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write("not a picture");
-        }
+        QFile bad(dir.filePath("broken.png"));
+        QVERIFY(bad.open(QIODevice::WriteOnly) && bad.write("not a picture") > 0);
+        bad.close();
         CPictureBox box;
         QCOMPARE(box.LoadFromFile(good), 1);
         QCOMPARE(box.image().size(), QSize(8, 6));
         QVERIFY(!box.isTransparent());
-        for (const QString& path : {bad, dir.filePath("missing.png")})
+        for (const QString& path : {bad.fileName(), dir.filePath("missing.png")})
         {
             QCOMPARE(box.LoadFromFile(path), 0);
             QVERIFY(!box.hasImage());

@@ -11,7 +11,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
-#include <QToolBar>
 #include <boost/make_shared.hpp>
 
 using namespace ZEVGis::Data;
@@ -364,17 +363,6 @@ private slots:
         QVERIFY(!f.widget()->currentProperty());
         f.grid.ClearGrid();
         QCOMPARE(f.recorder.selected, QStringList({"null", "KIND", "null"}));
-
-        // Switching the order keeps the selected property without calling back.
-        f.grid.SetDataToShow(sampleProperties(), 1, 0);
-        f.grid.ShowToolBar(1);
-        QVERIFY(f.widget()->toolBar()->isVisible());
-        f.select("BIG");
-        f.recorder.selected.clear();
-        f.widget()->toolBar()->actions().at(1)->trigger();
-        QCOMPARE(f.model()->rowCount(), 7);
-        QCOMPARE(f.widget()->currentProperty()->GetTag(), "BIG");
-        QVERIFY(f.recorder.selected.isEmpty());
     }
 
     void enterFoldsCategory()
