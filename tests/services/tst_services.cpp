@@ -15,18 +15,21 @@ namespace
 {
 
 // Every message number the editor and the import/export dialog ask for.
-const QList<unsigned> kUsedMessages = {60,   67,   214,  250,  350,  362,  536,   1620,  4054,  4880,  6534, 6535,
-                                       6536, 6537, 6538, 6539, 6540, 6541, 6542,  7282,  7283,  7284,  7446, 7447,
-                                       7661, 8080, 8530, 8531, 8803, 9079, 9490,  9491,  10276, 10769, 50005, 61057};
+const QList<unsigned> kUsedMessages = {60,   67,   214,  250,  350,  362,   536,   1620,  4054,
+                                       4880, 6534, 6535, 6536, 6537, 6538,  6539,  6540,  6541,
+                                       6542, 7282, 7283, 7284, 7446, 7447,  7661,  8080,  8530,
+                                       8531, 8803, 9079, 9490, 9491, 10276, 10769, 50005, 61057};
 
 // Every icon and bitmap name the dialogs load.
+// clang-format off
 const QStringList kUsedImages = {
-    "IDI_INDEX",         "IDI_ADD_GROUP",   "IDI_DELETE_GROUP",    "IDI_NEW_GROUP",       "IDI_BOX_CLOSED",
-    "IDI_BOX_OPEN",      "IDI_DOC_PLAIN",   "IDI_DISKDATA",        "IDI_DWG",             "IDI_DOC_STARRED",
-    "IDI_DOC_PLAIN_NEW", "IDI_DOCS_PLAIN_NEW", "IDI_DELETE",       "IDI_INFO",            "IDI_PICKER_UP",
-    "IDI_PICKER_DOWN",   "IDI_SORT_ASC",    "IDI_SORT_DESC",       "IDI_STAR",            "IDI_FILE_TO_CATALOG",
-    "IDI_CATALOG_TO_FILE", "IDI_DATA_ADDD", "IDI_NAV_LEFT",        "IDI_NAV_RIGHT",       "IDI_OPEN",
+    "IDI_INDEX", "IDI_ADD_GROUP", "IDI_DELETE_GROUP", "IDI_NEW_GROUP", "IDI_BOX_CLOSED",
+    "IDI_BOX_OPEN", "IDI_DOC_PLAIN", "IDI_DISKDATA", "IDI_DWG", "IDI_DOC_STARRED",
+    "IDI_DOC_PLAIN_NEW", "IDI_DOCS_PLAIN_NEW", "IDI_DELETE", "IDI_INFO", "IDI_PICKER_UP",
+    "IDI_PICKER_DOWN", "IDI_SORT_ASC", "IDI_SORT_DESC", "IDI_STAR", "IDI_FILE_TO_CATALOG",
+    "IDI_CATALOG_TO_FILE", "IDI_DATA_ADDD", "IDI_NAV_LEFT", "IDI_NAV_RIGHT", "IDI_OPEN",
     "IDB_DRAG"};
+// clang-format on
 
 int opaquePixels(const QImage& image)
 {
@@ -44,39 +47,22 @@ class TestServices : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
+    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
     void languageFollowsLocaleWithoutACall();
-    void everyUsedMessageHasAText_data();
-    void everyUsedMessageHasAText();
-    void croatianTextsAreTranslations();
-    void unknownMessageGivesPlaceholder_data();
+    void everyUsedMessageTranslated();
     void unknownMessageGivesPlaceholder();
     void languageSwitching_data();
     void languageSwitching();
     void everyUsedImageLoads_data();
     void everyUsedImageLoads();
-    void noImageWithoutAUse();
-    void unknownImageIsNull_data();
-    void unknownImageIsNull();
-    void loggingSwitch_data();
-    void loggingSwitch();
-    void logFileFromEnvironment();
-    void defaultLogFileInUserDataFolder();
+    void embeddedImagesAreTheUsedOnes();
+    void logging();
 
 private:
     CModuleConfiguration* config() const { return CModuleConfiguration::Instance(); }
 };
-
-void TestServices::initTestCase()
-{
-    QStandardPaths::setTestModeEnabled(true);
-}
-
-void TestServices::init()
-{
-    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-}
 
 // Runs first: the configuration is built on first use and takes the locale then.
 void TestServices::languageFollowsLocaleWithoutACall()
@@ -88,64 +74,38 @@ void TestServices::languageFollowsLocaleWithoutACall()
     QLocale::setDefault(previous);
 }
 
-void TestServices::everyUsedMessageHasAText_data()
-{
-    QTest::addColumn<QString>("language");
-    QTest::addColumn<unsigned>("id");
-    for (const char* language : {"en", "hr"})
-        for (unsigned id : kUsedMessages)
-            QTest::addRow("%s %u", language, id) << QString::fromLatin1(language) << id;
-}
-
-void TestServices::everyUsedMessageHasAText()
-{
-    QFETCH(QString, language);
-    QFETCH(unsigned, id);
-    config()->SetLanguage(language);
-    QVERIFY(config()->HasMsg(id));
-    const QString text = config()->GetMsg(id);
-    QVERIFY(!text.trimmed().isEmpty());
-    QVERIFY2(!text.startsWith(QStringLiteral("[message")), qPrintable(text));
-    QVERIFY2(!text.contains(QChar::ReplacementCharacter), qPrintable(text));
-    // The add-to-application refusals are formatted with the entry's name.
-    if (id == 9490 || id == 9491)
-        QVERIFY2(text.contains(QStringLiteral("%1")), qPrintable(text));
-}
-
 // A number missing from the Croatian table would silently show its English text.
-void TestServices::croatianTextsAreTranslations()
+void TestServices::everyUsedMessageTranslated()
 {
     QHash<unsigned, QString> english;
-    config()->SetLanguage(QStringLiteral("en"));
-    for (unsigned id : kUsedMessages)
-        english.insert(id, config()->GetMsg(id));
-    config()->SetLanguage(QStringLiteral("hr"));
-    QStringList untranslated;
-    for (unsigned id : kUsedMessages)
+    QStringList faults;
+    for (const QString& language : {QStringLiteral("en"), QStringLiteral("hr")})
     {
-        if (config()->GetMsg(id) == english.value(id))
-            untranslated << QString::number(id);
+        config()->SetLanguage(language);
+        for (unsigned id : kUsedMessages)
+        {
+            const QString text = config()->GetMsg(id);
+            const bool formatted = (id != 9490 && id != 9491) || text.contains(u"%1");
+            if (!config()->HasMsg(id) || text.trimmed().isEmpty() || !formatted ||
+                text.contains(QChar::ReplacementCharacter) || english.value(id) == text)
+                faults << QStringLiteral("%1 %2: \"%3\"").arg(language).arg(id).arg(text);
+            english.insert(id, text);
+        }
     }
-    QVERIFY2(untranslated.isEmpty(), qPrintable(untranslated.join(u',')));
+    QVERIFY2(faults.isEmpty(), qPrintable(faults.join(u'\n')));
     QCOMPARE(config()->GetMsg(6534), QStringLiteral("Uređivač kataloga"));
-}
-
-void TestServices::unknownMessageGivesPlaceholder_data()
-{
-    QTest::addColumn<unsigned>("id");
-    QTest::newRow("zero") << 0u;
-    QTest::newRow("unused") << 12345u;
-    QTest::newRow("largest") << 4294967295u;
 }
 
 void TestServices::unknownMessageGivesPlaceholder()
 {
-    QFETCH(unsigned, id);
     for (const QString& language : {QStringLiteral("en"), QStringLiteral("hr")})
     {
         config()->SetLanguage(language);
-        QVERIFY(!config()->HasMsg(id));
-        QCOMPARE(config()->GetMsg(id), QStringLiteral("[message %1]").arg(id));
+        for (unsigned id : {0u, 12345u, 4294967295u})
+        {
+            QVERIFY(!config()->HasMsg(id));
+            QCOMPARE(config()->GetMsg(id), QStringLiteral("[message %1]").arg(id));
+        }
     }
 }
 
@@ -154,10 +114,15 @@ void TestServices::languageSwitching_data()
     QTest::addColumn<QString>("requested");
     QTest::addColumn<QString>("expected");
     QTest::addColumn<QString>("okText");
-    QTest::newRow("english") << "en" << "en" << "OK";
-    QTest::newRow("croatian") << "hr" << "hr" << "U redu";
-    QTest::newRow("case and blanks ignored") << " HR " << "hr" << "U redu";
-    QTest::newRow("unknown falls back to english") << "de" << "en" << "OK";
+    QTest::newRow("english") << "en"
+                             << "en"
+                             << "OK";
+    QTest::newRow("case and blanks ignored") << " HR "
+                                             << "hr"
+                                             << "U redu";
+    QTest::newRow("unknown falls back to english") << "de"
+                                                   << "en"
+                                                   << "OK";
 }
 
 void TestServices::languageSwitching()
@@ -166,7 +131,8 @@ void TestServices::languageSwitching()
     QFETCH(QString, expected);
     QFETCH(QString, okText);
     // Start from the other language so every row really switches.
-    config()->SetLanguage(expected == QStringLiteral("en") ? QStringLiteral("hr") : QStringLiteral("en"));
+    config()->SetLanguage(expected == QStringLiteral("en") ? QStringLiteral("hr")
+                                                           : QStringLiteral("en"));
     if (requested == QStringLiteral("de"))
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("unknown language")));
     config()->SetLanguage(requested);
@@ -179,29 +145,32 @@ void TestServices::everyUsedImageLoads_data()
     QTest::addColumn<QString>("name");
     for (const QString& name : kUsedImages)
         QTest::newRow(qPrintable(name)) << name;
+    // Unknown names give null images, never another file of the resources.
+    for (const char* name : {"IDI_NO_SUCH_ICON", "", "idi_star", "../messages/en"})
+        QTest::addRow("unknown '%s'", name) << QString::fromLatin1(name);
 }
 
 void TestServices::everyUsedImageLoads()
 {
     QFETCH(QString, name);
     const QIcon icon = config()->GetIcon(name);
-    QVERIFY(!icon.isNull());
-    const QImage at24 = icon.pixmap(24, 24).toImage();
-    QCOMPARE(at24.size(), QSize(24, 24));
-    QVERIFY2(opaquePixels(at24) > 24, "the icon draws (almost) nothing at 24 px");
-
-    const QPixmap bitmap = config()->GetBitmap(name);
-    QCOMPARE(bitmap.size(), QSize(24, 24));
-
     const QPixmap small = config()->LoadImageW(name, CModuleConfiguration::ImageIcon, 16, 16, 0);
+    if (!kUsedImages.contains(name))
+    {
+        QVERIFY(icon.isNull() && small.isNull() && config()->GetBitmap(name).isNull());
+        return;
+    }
+    QVERIFY2(opaquePixels(icon.pixmap(24, 24).toImage()) > 24, "draws (almost) nothing at 24 px");
+    QCOMPARE(config()->GetBitmap(name).size(), QSize(24, 24));
     QCOMPARE(small.size(), QSize(16, 16));
     QVERIFY(opaquePixels(small.toImage()) > 0);
 }
 
 // A drawing nobody loads usually means a misspelt name on one side or the other.
-void TestServices::noImageWithoutAUse()
+void TestServices::embeddedImagesAreTheUsedOnes()
 {
-    QStringList embedded = QDir(QStringLiteral(":/icons")).entryList({QStringLiteral("*.svg")}, QDir::Files);
+    QStringList embedded =
+        QDir(QStringLiteral(":/icons")).entryList({QStringLiteral("*.svg")}, QDir::Files);
     for (QString& file : embedded)
         file.chop(4);
     QStringList used = kUsedImages;
@@ -210,63 +179,27 @@ void TestServices::noImageWithoutAUse()
     QCOMPARE(embedded, used);
 }
 
-void TestServices::unknownImageIsNull_data()
+void TestServices::logging()
 {
-    QTest::addColumn<QString>("name");
-    QTest::newRow("unknown") << "IDI_NO_SUCH_ICON";
-    QTest::newRow("empty") << "";
-    QTest::newRow("case differs") << "idi_star";
-    QTest::newRow("path out of the icon folder") << "../messages/en";
-}
-
-void TestServices::unknownImageIsNull()
-{
-    QFETCH(QString, name);
-    QVERIFY(config()->GetIcon(name).isNull());
-    QVERIFY(config()->GetBitmap(name).isNull());
-    QVERIFY(config()->LoadImageW(name, CModuleConfiguration::ImageIcon, 24, 24, 0).isNull());
-}
-
-void TestServices::loggingSwitch_data()
-{
-    QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<int>("expected");
-    QTest::newRow("1") << QByteArray("1") << 1;
-    QTest::newRow("on") << QByteArray("on") << 1;
-    QTest::newRow("TRUE") << QByteArray("TRUE") << 1;
-    QTest::newRow("Yes with blanks") << QByteArray(" Yes ") << 1;
-    QTest::newRow("0") << QByteArray("0") << 0;
-    QTest::newRow("2") << QByteArray("2") << 0;
-    QTest::newRow("empty") << QByteArray("") << 0;
-    QTest::newRow("unset") << QByteArray() << 0;
-}
-
-void TestServices::loggingSwitch()
-{
-    QFETCH(QByteArray, value);
-    QFETCH(int, expected);
-    if (value.isNull())
-        qunsetenv("ZEVX_LOG");
-    else
+    const QList<QPair<QByteArray, int>> switches{{"1", 1}, {"on", 1}, {"TRUE", 1}, {" Yes ", 1},
+                                                 {"0", 0}, {"2", 0},  {"", 0}};
+    for (const auto& [value, expected] : switches)
+    {
         qputenv("ZEVX_LOG", value);
-    QCOMPARE(CLogEngine::GetLoggingOnOff(), expected);
-}
+        QVERIFY2(CLogEngine::GetLoggingOnOff() == expected, value.constData());
+    }
+    qunsetenv("ZEVX_LOG");
+    QCOMPARE(CLogEngine::GetLoggingOnOff(), 0);
 
-void TestServices::logFileFromEnvironment()
-{
+    const auto logFile = [] { return QFile::decodeName(CLogEngine::GetLogFileFullPath().c_str()); };
     const QString path = QDir::temp().filePath(QStringLiteral("Zapis dnevnika čćž.log"));
     qputenv("ZEVX_LOG_FILE", QFile::encodeName(path));
-    QCOMPARE(QFile::decodeName(QByteArray::fromStdString(CLogEngine::GetLogFileFullPath())), path);
+    QCOMPARE(logFile(), path);
     qunsetenv("ZEVX_LOG_FILE");
-}
-
-void TestServices::defaultLogFileInUserDataFolder()
-{
-    qunsetenv("ZEVX_LOG_FILE");
-    const QString path = QFile::decodeName(QByteArray::fromStdString(CLogEngine::GetLogFileFullPath()));
-    const QString dataFolder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    QCOMPARE(path, dataFolder + QStringLiteral("/zevxcatalogeditor/zevxcatalogeditor.log"));
-    QVERIFY(QFileInfo(path).dir().exists());
+    const QString dataFolder =
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    QCOMPARE(logFile(), dataFolder + QStringLiteral("/zevxcatalogeditor/zevxcatalogeditor.log"));
+    QVERIFY(QFileInfo(logFile()).dir().exists());
 }
 
 QTEST_MAIN(TestServices)
