@@ -115,20 +115,22 @@ void TestLaunch::invocation_data()
     QTest::addColumn<QStringList>("calls");
 
     const QStringList ran{"getFunCode", "getArgs", "retVoid@1"};
+    const QList<Arx::LispArg> none;
     // Hidden catalogs are never offered from AutoLISP: the show-hidden flag is always 0.
-    QTest::newRow("no argument") << QList<Arx::LispArg>{} << 0 << false << QStringList{"|0|1"}
-                                 << ran;
-    QTest::newRow("reference") << QList<Arx::LispArg>{{stringType, "Stupovi čelični"}} << 0 << false
-                               << QStringList{"Stupovi čelični|0|1"} << ran;
+    // clang-format off
+    QTest::newRow("no argument") << none << 0 << false << QStringList{"|0|1"} << ran;
+    QTest::newRow("reference") << QList<Arx::LispArg>{{stringType, "Stupovi čelični"}} << 0
+        << false << QStringList{"Stupovi čelični|0|1"} << ran;
     QTest::newRow("first argument only, type not examined")
         << QList<Arx::LispArg>{{integerType, "7"}, {stringType, "CABLES"}} << 0 << false
         << QStringList{"7|0|1"} << ran;
-    QTest::newRow("function code past the table")
-        << QList<Arx::LispArg>{} << 1 << false << QStringList{} << QStringList{"getFunCode"};
-    QTest::newRow("negative function code")
-        << QList<Arx::LispArg>{} << -1 << false << QStringList{} << QStringList{"getFunCode"};
-    QTest::newRow("dialog throws") << QList<Arx::LispArg>{} << 0 << true << QStringList{"|0|1"}
-                                   << QStringList{"getFunCode", "getArgs"};
+    QTest::newRow("code past the table") << none << 1 << false << QStringList{}
+        << QStringList{"getFunCode"};
+    QTest::newRow("negative code") << none << -1 << false << QStringList{}
+        << QStringList{"getFunCode"};
+    QTest::newRow("dialog throws") << none << 0 << true << QStringList{"|0|1"}
+        << QStringList{"getFunCode", "getArgs"};
+    // clang-format on
 }
 
 void TestLaunch::invocation()

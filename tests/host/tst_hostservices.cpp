@@ -25,7 +25,6 @@ private slots:
     }
 
     void scopesRestoreOnException();
-    void scriptRunsOutAnsweringNo();
     void qtBoxes_data();
     void qtBoxes();
     void qtWaitCursorNests();
@@ -49,17 +48,6 @@ void TestHostServices::scopesRestoreOnException()
     QCOMPARE(host.popCount(), 1);
     QCOMPARE(host.waitCursorDepth(), 0);
     QVERIFY(dynamic_cast<QtHostServices*>(&HostServices::current()));
-}
-
-void TestHostServices::scriptRunsOutAnsweringNo()
-{
-    ScriptedHost host;
-    host.queueAnswers({true});
-    QVERIFY(host.askYesNo(QStringLiteral("Q1")));
-    QVERIFY(!host.askYesNo(QStringLiteral("Q2"), QStringLiteral("caption")));
-    QCOMPARE(host.questions().size(), 2);
-    QCOMPARE(host.questions()[1].caption, QStringLiteral("caption"));
-    QCOMPARE(host.unscriptedQuestions(), 1);
 }
 
 void TestHostServices::qtBoxes_data()

@@ -9,6 +9,8 @@
 #include <QStandardPaths>
 #include <QTest>
 
+#include <array>
+
 using ZEVGis::CModuleConfiguration;
 
 namespace
@@ -52,8 +54,6 @@ private slots:
 
     void languageFollowsLocaleWithoutACall();
     void everyUsedMessageTranslated();
-    void unknownMessageGivesPlaceholder();
-    void languageSwitching_data();
     void languageSwitching();
     void everyUsedImageLoads_data();
     void everyUsedImageLoads();
@@ -96,48 +96,22 @@ void TestServices::everyUsedMessageTranslated()
     QCOMPARE(config()->GetMsg(6534), QStringLiteral("Uređivač kataloga"));
 }
 
-void TestServices::unknownMessageGivesPlaceholder()
-{
-    for (const QString& language : {QStringLiteral("en"), QStringLiteral("hr")})
-    {
-        config()->SetLanguage(language);
-        for (unsigned id : {0u, 12345u, 4294967295u})
-        {
-            QVERIFY(!config()->HasMsg(id));
-            QCOMPARE(config()->GetMsg(id), QStringLiteral("[message %1]").arg(id));
-        }
-    }
-}
-
-void TestServices::languageSwitching_data()
-{
-    QTest::addColumn<QString>("requested");
-    QTest::addColumn<QString>("expected");
-    QTest::addColumn<QString>("okText");
-    QTest::newRow("english") << "en"
-                             << "en"
-                             << "OK";
-    QTest::newRow("case and blanks ignored") << " HR "
-                                             << "hr"
-                                             << "U redu";
-    QTest::newRow("unknown falls back to english") << "de"
-                                                   << "en"
-                                                   << "OK";
-}
-
 void TestServices::languageSwitching()
 {
-    QFETCH(QString, requested);
-    QFETCH(QString, expected);
-    QFETCH(QString, okText);
-    // Start from the other language so every row really switches.
-    config()->SetLanguage(expected == QStringLiteral("en") ? QStringLiteral("hr")
-                                                           : QStringLiteral("en"));
-    if (requested == QStringLiteral("de"))
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("unknown language")));
-    config()->SetLanguage(requested);
-    QCOMPARE(config()->Language(), expected);
-    QCOMPARE(config()->GetMsg(60), okText);
+    // From the other language each time, so that every request really switches; case and
+    // blanks are ignored, an unknown language falls back to English with a warning.
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("unknown language")));
+    for (const auto& [from, requested, expected, okText] : QList<std::array<const char*, 4>>{
+             {"hr", "en", "en", "OK"}, {"en", " HR ", "hr", "U redu"}, {"hr", "de", "en", "OK"}})
+    {
+        config()->SetLanguage(QString::fromLatin1(from));
+        config()->SetLanguage(QString::fromLatin1(requested));
+        QCOMPARE(config()->Language(), QString::fromLatin1(expected));
+        QCOMPARE(config()->GetMsg(60), QString::fromUtf8(okText));
+        // An unknown number shows a placeholder in every language, never an empty text.
+        for (unsigned id : {0u, 12345u, 4294967295u})
+            QCOMPARE(config()->GetMsg(id), QStringLiteral("[message %1]").arg(id));
+    }
 }
 
 void TestServices::everyUsedImageLoads_data()

@@ -23,65 +23,59 @@ void TestZevxCatalog::runs_data()
     QTest::addColumn<QStringList>("out"); // pieces of standard output
     QTest::addColumn<QString>("err");     // a piece of standard error
 
-    QTest::newRow("list") << "" << QByteArray() << QStringList{"--catalogs", "ROOT", "list"} << 0
-                          << QStringList{"CABLES        Kabeli", "drawing-version, max-depth=3",
-                                         "hidden, max-depth=2", "no-new-items",
-                                         "default-selection, max-depth=4"}
-                          << QString();
-    QTest::newRow("show in the editor's order")
-        << "" << QByteArray() << QStringList{"--catalogs", "ROOT", "show", "CABLES"} << 0
+    const QByteArray none;
+    // clang-format off
+    QTest::newRow("list") << "" << none << QStringList{"--catalogs", "ROOT", "list"} << 0
+        << QStringList{"CABLES        Kabeli", "drawing-version, max-depth=3",
+                       "hidden, max-depth=2", "no-new-items", "default-selection, max-depth=4"}
+        << "";
+    QTest::newRow("show in the editor's order") << "" << none
+        << QStringList{"--catalogs", "ROOT", "show", "CABLES"} << 0
         << QStringList{"CABLES \"Kabeli\": catalog, 16 entries",
                        "[G]   0  Srednji napon 10(20) kV\n  [G]   0  NA2XS(F)2Y\n"
-                       "    [ ]   0  NA2XS(F)2Y 1x150/25 12/20 kV  <Kabel SN>"}
-        << QString();
-    QTest::newRow("hidden catalog, reference in another case")
-        << "" << QByteArray() << QStringList{"show", "switchgear", "--catalogs=ROOT"} << 0
-        << QStringList{"RMU 24 kV 2K+1T, SF6"} << QString();
-    QTest::newRow("default items marked")
-        << "" << QByteArray() << QStringList{"--catalogs", "ROOT", "show", "TRANSFORMERS"} << 0
-        << QStringList{"[*]   1  Transformator 10/0,4 kV 400 kVA – Čakovec"} << QString();
-    QTest::newRow("drawing copy")
-        << "" << QByteArray() << QStringList{"--catalogs", "ROOT", "show", "CABLES", "--drawing"}
-        << 0
+                       "    [ ]   0  NA2XS(F)2Y 1x150/25 12/20 kV  <Kabel SN>"} << "";
+    QTest::newRow("hidden catalog, reference in another case") << "" << none
+        << QStringList{"show", "switchgear", "--catalogs=ROOT"} << 0
+        << QStringList{"RMU 24 kV 2K+1T, SF6"} << "";
+    QTest::newRow("default items marked") << "" << none
+        << QStringList{"--catalogs", "ROOT", "show", "TRANSFORMERS"} << 0
+        << QStringList{"[*]   1  Transformator 10/0,4 kV 400 kVA – Čakovec"} << "";
+    QTest::newRow("drawing copy") << "" << none
+        << QStringList{"--catalogs", "ROOT", "show", "CABLES", "--drawing"} << 0
         << QStringList{"drawing copy for ROOT/drawings/Sample.dwg, 10 entries",
-                       "NAYY 4x240 SE 0,6/1 kV (iz crteža)"}
-        << QString();
-    QTest::newRow("other catalogs load when one is broken")
-        << "cables.xml" << QByteArray("garbage")
+                       "NAYY 4x240 SE 0,6/1 kV (iz crteža)"} << "";
+    QTest::newRow("other catalogs load when one is broken") << "cables.xml" << QByteArray("junk")
         << QStringList{"--catalogs", "ROOT", "show", "POLES"} << 0
-        << QStringList{"ČRS 15/2000 – kutni, Đakovo"} << QString();
+        << QStringList{"ČRS 15/2000 – kutni, Đakovo"} << "";
 
-    QTest::newRow("unknown reference")
-        << "" << QByteArray() << QStringList{"--catalogs", "ROOT", "show", "NOPE"} << 1
-        << QStringList{} << "no catalog \"NOPE\"";
-    QTest::newRow("no drawing version")
-        << "" << QByteArray() << QStringList{"--catalogs", "ROOT", "show", "POLES", "--drawing"}
-        << 1 << QStringList{} << "POLES keeps no drawing version";
-    QTest::newRow("store folder missing")
-        << "" << QByteArray() << QStringList{"--catalogs", "ROOT/nowhere", "list"} << 1
-        << QStringList{} << "ROOT/nowhere: the folder does not exist";
-    QTest::newRow("broken registry")
-        << "registry.xml" << QByteArray("<registry><catalog")
+    QTest::newRow("unknown reference") << "" << none
+        << QStringList{"--catalogs", "ROOT", "show", "NOPE"} << 1 << QStringList{}
+        << "no catalog \"NOPE\"";
+    QTest::newRow("no drawing version") << "" << none
+        << QStringList{"--catalogs", "ROOT", "show", "POLES", "--drawing"} << 1 << QStringList{}
+        << "POLES keeps no drawing version";
+    QTest::newRow("store folder missing") << "" << none
+        << QStringList{"--catalogs", "ROOT/nowhere", "list"} << 1 << QStringList{}
+        << "ROOT/nowhere: the folder does not exist";
+    QTest::newRow("broken registry") << "registry.xml" << QByteArray("<registry><catalog")
         << QStringList{"--catalogs", "ROOT", "list"} << 1 << QStringList{}
         << "ROOT/registry.xml is broken: not well-formed XML at line 1";
-    QTest::newRow("broken catalog")
-        << "cables.xml" << QByteArray("<catalog ref=\"CABLES\"><i n=\"x\"/></catalog>")
+    QTest::newRow("broken catalog") << "cables.xml"
+        << QByteArray("<catalog ref=\"CABLES\"><i n=\"x\"/></catalog>")
         << QStringList{"--catalogs", "ROOT", "show", "CABLES"} << 1 << QStringList{}
         << "ROOT/cables.xml is not a catalog file: item without a GUID";
-    QTest::newRow("validate reports each file")
-        << "junk.xml" << QByteArray("<a><b></a>")
+    QTest::newRow("validate reports each file") << "junk.xml" << QByteArray("<a><b></a>")
         << QStringList{"validate", "ROOT/junk.xml", "ROOT/registry.xml", "ROOT/poles.xml",
-                       "ROOT/missing.xml"}
-        << 1
+                       "ROOT/missing.xml"} << 1
         << QStringList{"ROOT/junk.xml: not well formed\n  result: ",
                        "ROOT/registry.xml: well formed",
                        "not a catalog: the root element is <registry>",
-                       "catalog: POLES, 10 entries", "ROOT/missing.xml: not well formed"}
-        << QString();
-    QTest::newRow("no command") << "" << QByteArray() << QStringList{"--catalogs", "ROOT"} << 2
-                                << QStringList{} << "Usage:";
-    QTest::newRow("unknown option") << "" << QByteArray() << QStringList{"--colour", "list"} << 2
-                                    << QStringList{} << "unknown option --colour";
+                       "catalog: POLES, 10 entries", "ROOT/missing.xml: not well formed"} << "";
+    QTest::newRow("no command") << "" << none << QStringList{"--catalogs", "ROOT"} << 2
+        << QStringList{} << "Usage:";
+    QTest::newRow("unknown option") << "" << none << QStringList{"--colour", "list"} << 2
+        << QStringList{} << "unknown option --colour";
+    // clang-format on
 }
 
 void TestZevxCatalog::runs()
