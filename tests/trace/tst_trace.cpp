@@ -19,21 +19,14 @@ QString padded(const QString& text, int width)
     return text.leftJustified(width, u' ', false);
 }
 
-// Checks the "[HH:MM:SS] " stamp and returns the rest of the line for exact comparison.
-QString withoutTimeStamp(const QString& line)
+// The lines of a log text, each with its "[HH:MM:SS] " stamp checked and taken off.
+QStringList linesOf(const QString& text)
 {
     static const QRegularExpression stamp(
         QStringLiteral("^\\[([01]\\d|2[0-3]):[0-5]\\d:[0-5]\\d\\] "));
-    const QRegularExpressionMatch match = stamp.match(line);
-    return match.hasMatch() ? line.mid(match.capturedLength())
-                            : QStringLiteral("<no time stamp> ") + line;
-}
-
-QStringList linesOf(const QString& text)
-{
     QStringList lines = text.split(u'\n', Qt::SkipEmptyParts);
     for (QString& line : lines)
-        line = withoutTimeStamp(line);
+        line = stamp.match(line).hasMatch() ? line.mid(11) : "<no time stamp> " + line;
     return lines;
 }
 
@@ -60,8 +53,7 @@ private slots:
     void lineLayout();
     void levelAndVerification_data();
     void levelAndVerification();
-    void appendsAndReadsPathOnce();
-    void unopenableFileFallsBackToStdout();
+    void logFile();
 
 private:
     QString logPath() const { return m_dir.filePath(QStringLiteral("trace.log")); }
@@ -166,13 +158,13 @@ void TestTrace::levelAndVerification()
     QCOMPARE(logLines(), lines);
 }
 
-void TestTrace::appendsAndReadsPathOnce()
+void TestTrace::logFile()
 {
+    // Appended to and opened once: a later change of the variable is not followed.
     QFile file(logPath());
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write("[00:00:00] earlier session\n") > 0);
     file.close();
     FunctionTracer("A", 1, "First");
-    // The path is taken once per process: a later change of the variable is not followed.
     const QString other = m_dir.filePath(QStringLiteral("other.log"));
     qputenv("ZEVX_LOG_FILE", QFile::encodeName(other));
     FunctionTracer("A", 2, "Second");
@@ -181,18 +173,17 @@ void TestTrace::appendsAndReadsPathOnce()
     QCOMPARE(lines[0], QStringLiteral("earlier session"));
     QVERIFY(lines[4].endsWith(QStringLiteral("Exiting function , Second")));
     QVERIFY(!QFile::exists(other));
-}
 
-void TestTrace::unopenableFileFallsBackToStdout()
-{
-    useLogFile(m_dir.path()); // a folder cannot be opened as a file
+    // A file that cannot be opened (here a folder): standard output instead.
+    useLogFile(m_dir.path());
     std::ostringstream captured;
     std::streambuf* previous = std::cout.rdbuf(captured.rdbuf());
     FunctionTracer("CatalogEditorDlg", 741, "CCatalogEditorDlg::OnBnClickedBtnNew");
     std::cout.rdbuf(previous);
-    const QStringList lines = linesOf(QString::fromStdString(captured.str()));
-    QCOMPARE(lines.size(), 2);
-    QVERIFY(lines[1].endsWith("], Exiting function , CCatalogEditorDlg::OnBnClickedBtnNew"));
+    QCOMPARE(linesOf(QString::fromStdString(captured.str())).value(1),
+             padded("CatalogEditorDlg", 32) +
+                 "(00741): [CCatalogEditorDlg::OnBnClickedBtnNew], "
+                 "Exiting function , CCatalogEditorDlg::OnBnClickedBtnNew");
 }
 
 QTEST_GUILESS_MAIN(TestTrace)
