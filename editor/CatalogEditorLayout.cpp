@@ -225,6 +225,10 @@ void CCatalogEditorDlg::LoadIcons()
     QAbstractButton* addToApp = Button(Ids::BtnAddToApp);
     addToApp->setIcon(configuration->GetIcon(QStringLiteral("IDI_DATA_ADDD")));
     addToApp->setIconSize(QSize(24, 24));
+    // Items are dragged within the catalog tree only.
+    const QPixmap drag = configuration->GetBitmap(QStringLiteral("IDB_DRAG"));
+    m_catalogTree->setItemDragEnabled(true, drag.isNull() ? QCursor(Qt::ArrowCursor)
+                                                          : QCursor(drag, 10, 14));
 }
 
 void CCatalogEditorDlg::LoadTexts()

@@ -54,8 +54,11 @@ void CCatalogEditorDlg::OnTreeContextMenu(bool upper, const QPoint& pos)
         action->setData(entry.id);
         action->setEnabled(entry.enabled);
     }
-    QAction* chosen = menu.exec(tree->viewport()->mapToGlobal(pos));
-    if (!chosen)
+    // The entry is taken from the menu's own signal: it is set however the entry was chosen.
+    QAction* chosen = nullptr;
+    connect(&menu, &QMenu::triggered, &menu, [&chosen](QAction* action) { chosen = action; });
+    menu.exec(tree->viewport()->mapToGlobal(pos));
+    if (!chosen || !chosen->data().isValid())
         return;
     RunMenuCommand(Editor::TreeMenuCommandOf(entries, chosen->data().toInt()), upper,
                    tree->currentItem());

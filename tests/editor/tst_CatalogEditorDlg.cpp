@@ -1,6 +1,7 @@
 // The editor dialog driven offscreen through its controls, on catalog stores written to a
 // temporary folder, with the scripted host answering and recording.
 #include "catalog/CatalogManager.h"
+#include "catalog/ModuleConfiguration.h"
 #include "controls/PictureBox.h"
 #include "controls/PropertyGridModel.h"
 #include "controls/PropertyGridWidget.h"
@@ -15,6 +16,7 @@
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <boost/make_shared.hpp>
@@ -103,6 +105,28 @@ QStringList childTexts(QTreeWidgetItem* row)
     return texts;
 }
 
+// Paths of the rows below `row` whose text starts with `prefix`.
+QStringList pathsOf(QTreeWidgetItem* row, const QString& prefix, const QString& path = QString())
+{
+    QStringList found;
+    for (int i = 0; row && i < row->childCount(); ++i)
+    {
+        const QString childPath = path.isEmpty() ? row->child(i)->text(0) : path + '/' + row->child(i)->text(0);
+        if (row->child(i)->text(0).startsWith(prefix))
+            found << childPath;
+        found << pathsOf(row->child(i), prefix, childPath);
+    }
+    return found;
+}
+
+// Where a row is shown in the tree's viewport (its parents opened first).
+QPoint centreOf(QTreeWidget* tree, QTreeWidgetItem* row)
+{
+    for (QTreeWidgetItem* up = row ? row->parent() : nullptr; up; up = up->parent())
+        up->setExpanded(true);
+    return tree->visualItemRect(row).center();
+}
+
 int imageOf(QTreeWidgetItem* row)
 {
     return row && row->type() == CatalogTreeRowItem::RowType
@@ -141,12 +165,21 @@ private slots:
     void cancelAndCloseBoxDropChanges();
     void deleteAsksAndRemoves_data();
     void deleteAsksAndRemoves();
-    void insertKeyAddsItemFromTemplate();
     void testButtonTogglesReadOnlyInOrder();
     void ctrlNewUpgradesCurrentItem();
     void picturesFollowSelection();
     void infoPreviewsTemplatePicture_data();
     void infoPreviewsTemplatePicture();
+    void newEntries_data();
+    void newEntries();
+    void upAndDown_data();
+    void upAndDown();
+    void sortAlternatesDirection();
+    void dragAndDrop_data();
+    void dragAndDrop();
+    void contextMenu_data();
+    void contextMenu();
+    void addToApplicationRefillsCatalogTree();
 
 private:
     void writeStore(const std::vector<EditorTestStore::Entry>& entries);
@@ -169,7 +202,8 @@ void TestCatalogEditorDlg::initTestCase()
 
 void TestCatalogEditorDlg::init()
 {
-    QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+    // Popup menus cannot grab the keyboard offscreen; that alone is no fault.
+    QTest::failOnWarning(QRegularExpression("^(?!This plugin does not support).*"));
     m_host.clear();
     m_host.setCtrlPressed(false);
     m_dir = std::make_unique<QTemporaryDir>();
@@ -195,6 +229,7 @@ void TestCatalogEditorDlg::writeDefaultStore()
     auto cables = entry("CABLES", "Cables", cablesCatalog());
     cables.drawingVersion = 1;
     cables.allowDefault = 1;
+    cables.maxDepth = 2;
     auto tmpl = boost::make_shared<CCatalogItemTemplate>("Cable", 1, cablesCatalog()->GetItembyGuid("{A-25}"));
     cables.templates = {boost::make_shared<CCatalogItemTemplate>("Retired", -1, nullptr), tmpl};
     auto locked = entry("LOCKED", "Locked", smallCatalog("LOCKED", "Fixed"));
@@ -249,15 +284,9 @@ void TestCatalogEditorDlg::startUp_data()
     QTest::newRow("empty registry") << QStringList{} << "" << 1 << QStringList{} << "";
     QTest::newRow("all hidden, not shown")
         << QStringList{"A:Alpha:hidden", "B:Beta:hidden"} << "" << 0 << QStringList{} << "";
-    QTest::newRow("all hidden, shown")
-        << QStringList{"A:Alpha:hidden", "B:Beta:hidden"} << "b" << 1
-        << QStringList{"Alpha*** HIDDEN ***", "Beta*** HIDDEN ***"} << "Beta*** HIDDEN ***";
-    QTest::newRow("preselection ignoring case")
-        << QStringList{"POLES:Poles", "Cables:Cables"} << "cABLES" << 0
-        << QStringList{"Poles", "Cables"} << "Cables";
-    QTest::newRow("hidden reference not offered")
-        << QStringList{"POLES:Poles", "SECRET:Secret:hidden"} << "secret" << 0
-        << QStringList{"Poles"} << "Poles";
+    QTest::newRow("hidden shown, preselection ignoring case")
+        << QStringList{"POLES:Poles", "SECRET:Secret:hidden"} << "secret" << 1
+        << QStringList{"Poles", "Secret*** HIDDEN ***"} << "Secret*** HIDDEN ***";
 }
 
 void TestCatalogEditorDlg::startUp()
@@ -410,15 +439,10 @@ void TestCatalogEditorDlg::selectionSetsButtons_data()
     const int lower = Ids::CatalogTree;
     const int upper = Ids::DrawingTree;
     QTest::newRow("lower root") << "CABLES" << lower << "" << "107 108 120";
-    QTest::newRow("group of groups") << "CABLES" << lower << "Medium voltage" << "107 108 105 119 118 120";
     QTest::newRow("group of items") << "CABLES" << lower << "Low voltage" << "108 105 119 118 120";
-    QTest::newRow("empty group below") << "CABLES" << lower << "Medium voltage/Aluminium" << "107 108 105 119 118 120";
-    QTest::newRow("item, default allowed") << "CABLES" << lower << "Low voltage/Cable 4x25" << "108 105 110 119 118 120 123";
     QTest::newRow("item in upper tree") << "CABLES" << upper << "Medium voltage/Copper/Cu 95" << "108 105 110 119 118 120 123";
-    QTest::newRow("group in upper tree") << "CABLES" << upper << "Low voltage" << "108 105 119 118 120";
     QTest::newRow("upper root keeps buttons") << "CABLES" << upper << "" << "";
     QTest::newRow("item, new items disabled") << "LOCKED" << lower << "Fixed/Fixed item" << "119 118 120";
-    QTest::newRow("root, new items disabled") << "LOCKED" << lower << "" << "120";
 }
 
 void TestCatalogEditorDlg::selectionSetsButtons()
@@ -561,8 +585,6 @@ void TestCatalogEditorDlg::setDefaultMarksByEquipmentType_data()
     QTest::addColumn<QString>("defaults"); // item GUIDs marked default afterwards
 
     QTest::newRow("same type: old default cleared") << "Low voltage/Cable 4x25" << "{A-25}";
-    QTest::newRow("other type: old default stays") << "Medium voltage/Copper/Cu 95" << "{A-16} {B-95}";
-    QTest::newRow("without type: nothing cleared") << "Loose item" << "{A-16} {C-LOOSE}";
     QTest::newRow("group: nothing happens") << "Low voltage" << "{A-16}";
 }
 
@@ -694,30 +716,6 @@ void TestCatalogEditorDlg::deleteAsksAndRemoves()
         QVERIFY(catalog->GetItembyGuid(current->GetGUID()));
 }
 
-void TestCatalogEditorDlg::insertKeyAddsItemFromTemplate()
-{
-    writeDefaultStore();
-    auto dlg = openDialog("CABLES");
-    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x16");
-    QTest::keyClick(findControl<QWidget>(dlg.get(), Ids::CatalogTree), Qt::Key_Insert);
-    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
-    const QStringList children = childTexts(rowAt(lower, "Low voltage"));
-    QCOMPARE(children.size(), 3);
-    QTreeWidgetItem* added = lower->currentItem();
-    QCOMPARE(added->parent(), rowAt(lower, "Low voltage"));
-    QVERIFY(!children.mid(0, 2).contains(added->text(0)));
-    CCatalogItem* item = Editor::CatalogItemOfRow(added);
-    QVERIFY(item);
-    QCOMPARE(dlg->RowOfItem(item), added);
-    QVERIFY(CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetItembyGuid(item->GetGUID()));
-    QCOMPARE(item->GetParentItem()->GetGUID(), QString("{A-LV}"));
-
-    // A group that holds groups takes no items.
-    focusAndSelect(*dlg, Ids::CatalogTree, "Medium voltage");
-    findControl<QAbstractButton>(dlg.get(), Ids::BtnNew)->click();
-    QCOMPARE(m_host.alerts(), QStringList{"An item cannot be added to a group that holds groups."});
-}
-
 void TestCatalogEditorDlg::testButtonTogglesReadOnlyInOrder()
 {
     writeDefaultStore();
@@ -826,6 +824,270 @@ void TestCatalogEditorDlg::infoPreviewsTemplatePicture()
     QCOMPARE(seenTitle, shownTitle);
     QCOMPARE(m_host.alerts(), alerts);
     QVERIFY(dlg->isVisible());
+}
+
+void TestCatalogEditorDlg::newEntries_data()
+{
+    QTest::addColumn<int>("command");   // the button whose handler runs; 105 through Insert
+    QTest::addColumn<QString>("path");  // selected row of the catalog tree; "-" for none
+    QTest::addColumn<QString>("parent"); // where the new row is; "-" when nothing is made
+    QTest::addColumn<QString>("name");  // the new entry's name, or the alert
+
+    // The template's definition is "Cable 4x25": the factory names new items after it.
+    QTest::newRow("NEW in a group of items") << 105 << "Low voltage" << "Low voltage" << "Cable 4x2501";
+    QTest::newRow("NEW beside an item") << 105 << "Low voltage/Cable 4x16" << "Low voltage" << "Cable 4x2501";
+    QTest::newRow("NEW in an empty group") << 105 << "Medium voltage/Aluminium" << "Medium voltage/Aluminium" << "Cable 4x25";
+    QTest::newRow("NEW in a group of groups") << 105 << "Medium voltage" << "-" << "An item cannot be added to a group that holds groups.";
+    QTest::newRow("NEW beside a root item") << 105 << "Loose item" << "-" << "";
+    QTest::newRow("copy of an item") << 110 << "Low voltage/Cable 4x16" << "Low voltage" << "Cable 4x2501";
+    QTest::newRow("group, nothing selected") << 107 << "-" << "" << "New group";
+    QTest::newRow("group in a group of groups") << 107 << "Medium voltage" << "Medium voltage" << "New group";
+    QTest::newRow("group at the deepest level") << 107 << "Medium voltage/Aluminium" << "-" << "";
+    QTest::newRow("group in a group of items") << 107 << "Low voltage" << "-" << "A group cannot be added to a group that holds items.";
+}
+
+void TestCatalogEditorDlg::newEntries()
+{
+    QFETCH(int, command);
+    QFETCH(QString, path);
+    QFETCH(QString, parent);
+    QFETCH(QString, name);
+
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    auto* lower = findControl<CatalogTreeWidget>(dlg.get(), Ids::CatalogTree);
+    if (path != "-")
+        focusAndSelect(*dlg, Ids::CatalogTree, path);
+    if (command == Ids::BtnNew)
+        QTest::keyClick(lower, Qt::Key_Insert);
+    else if (command == Ids::BtnNewItems)
+        dlg->OnBnClickedBtnNewFromItem();
+    else
+        dlg->OnBnClickedBtnAddGroup();
+
+    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", 1);
+    if (parent == "-")
+    {
+        QCOMPARE(m_host.alerts(), name.isEmpty() ? QStringList{} : QStringList{name});
+        QCOMPARE(int(catalog->GetAllElementsMap()->size()), 8);
+        return;
+    }
+    QVERIFY(m_host.alerts().isEmpty());
+    QCOMPARE(int(catalog->GetAllElementsMap()->size()), 9);
+    QTreeWidgetItem* added = lower->currentItem();
+    QCOMPARE(added->text(0), name);
+    QCOMPARE(added->parent(), rowAt(lower, parent));
+    CCatalogItem* item = Editor::CatalogItemOfRow(added);
+    QVERIFY(catalog->GetItembyGuid(item->GetGUID()));
+    CCatalogItem* parentItem = Editor::CatalogItemOfRow(added->parent());
+    QCOMPARE(item->GetParentItemGuid(), parentItem ? parentItem->GetGUID() : QString());
+    // A new group's label opens for its name; a new item is known by its row.
+    QCOMPARE(lower->isEditingLabel(), command == Ids::BtnAddGroup);
+    if (command != Ids::BtnAddGroup)
+        QCOMPARE(dlg->RowOfItem(item), added);
+}
+
+void TestCatalogEditorDlg::upAndDown_data()
+{
+    QTest::addColumn<bool>("down");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("children"); // of the moved row's parent row, afterwards
+
+    QTest::newRow("down") << true << "Low voltage/Cable 4x16" << "Cable 4x25, Cable 4x16";
+    QTest::newRow("up on the first") << false << "Low voltage/Cable 4x16" << "Cable 4x16, Cable 4x25";
+    QTest::newRow("a group stays") << true << "Medium voltage/Copper" << "Copper, Aluminium";
+    QTest::newRow("a root item stays") << false << "Loose item" << "Loose item, Medium voltage, Low voltage";
+}
+
+void TestCatalogEditorDlg::upAndDown()
+{
+    QFETCH(bool, down);
+    QFETCH(QString, path);
+    QFETCH(QString, children);
+
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    focusAndSelect(*dlg, Ids::CatalogTree, path);
+    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    QTreeWidgetItem* row = lower->currentItem();
+    findControl<QAbstractButton>(dlg.get(), down ? Ids::BtnDown : Ids::BtnUp)->click();
+    QCOMPARE(childTexts(row->parent()).join(", "), children);
+    QCOMPARE(lower->currentItem(), row);
+}
+
+void TestCatalogEditorDlg::sortAlternatesDirection()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    auto* sort = findControl<QAbstractButton>(dlg.get(), Ids::BtnSort);
+    const QStringList ascending{"Loose item", "Low voltage", "Medium voltage"};
+    auto iconOf = [](const char* name) {
+        return CModuleConfiguration::Instance()->LoadImageW(name, 1, 24, 24, 0).toImage();
+    };
+    focusAndSelect(*dlg, Ids::CatalogTree, "");
+    for (int round = 0; round < 2; ++round)
+    {
+        const bool up = CCatalogEditorDlg::NextSortAscending();
+        sort->click();
+        QStringList expected = ascending;
+        if (!up)
+            std::reverse(expected.begin(), expected.end());
+        QCOMPARE(childTexts(rowAt(lower, "")), expected);
+        QCOMPARE(CCatalogEditorDlg::NextSortAscending(), !up);
+        QCOMPARE(sort->icon().pixmap(24, 24).toImage(), iconOf(up ? "IDI_SORT_DESC" : "IDI_SORT_ASC"));
+    }
+    // An item's siblings are its group's children; they are numbered in the catalog too.
+    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x25");
+    const bool up = CCatalogEditorDlg::NextSortAscending();
+    sort->click();
+    QCOMPARE(childTexts(rowAt(lower, "Low voltage")),
+             up ? QStringList({"Cable 4x16", "Cable 4x25"}) : QStringList({"Cable 4x25", "Cable 4x16"}));
+    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", 1);
+    QCOMPARE(catalog->GetItembyGuid("{A-16}")->GetOrd(), up ? 0 : 1);
+}
+
+void TestCatalogEditorDlg::dragAndDrop_data()
+{
+    QTest::addColumn<QString>("from");
+    QTest::addColumn<QString>("to"); // "-": empty space below the rows
+    QTest::addColumn<bool>("ctrl");
+    QTest::addColumn<QStringList>("where"); // rows named like the dragged one, afterwards
+
+    const QStringList stays{"Low voltage/Cable 4x25"};
+    QTest::newRow("onto a group: moved") << "Low voltage/Cable 4x25" << "Medium voltage/Aluminium" << false << QStringList{"Medium voltage/Aluminium/Cable 4x25"};
+    QTest::newRow("onto an item: into its group") << "Low voltage/Cable 4x25" << "Medium voltage/Copper/Cu 95" << false << QStringList{"Medium voltage/Copper/Cable 4x25"};
+    QTest::newRow("with Ctrl: copied") << "Low voltage/Cable 4x25" << "Medium voltage/Aluminium" << true << QStringList{"Medium voltage/Aluminium/Cable 4x25", "Low voltage/Cable 4x25"};
+    QTest::newRow("onto the root row") << "Low voltage/Cable 4x25" << "" << false << stays;
+    QTest::newRow("onto empty space, with Ctrl") << "Low voltage/Cable 4x25" << "-" << true << stays;
+    QTest::newRow("a group is not dragged") << "Medium voltage/Copper" << "Low voltage" << false << QStringList{"Medium voltage/Copper"};
+}
+
+void TestCatalogEditorDlg::dragAndDrop()
+{
+    QFETCH(QString, from);
+    QFETCH(QString, to);
+    QFETCH(bool, ctrl);
+    QFETCH(QStringList, where);
+
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    auto* lower = findControl<CatalogTreeWidget>(dlg.get(), Ids::CatalogTree);
+    rowAt(lower, "Low voltage")->setExpanded(true);
+    rowAt(lower, "Medium voltage")->setExpanded(true);
+    const QPoint end = to == "-" ? QPoint(20, lower->viewport()->height() - 4)
+                                 : centreOf(lower, rowAt(lower, to));
+    const QPoint start = centreOf(lower, rowAt(lower, from)); // after any row opened for `end`
+    QCOMPARE(lower->itemAt(end) == nullptr, to == "-");
+    QWidget* viewport = lower->viewport();
+    QTest::mousePress(viewport, Qt::LeftButton, {}, start);
+    QMouseEvent move(QEvent::MouseMove, end, viewport->mapToGlobal(end), Qt::NoButton,
+                     Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(viewport, &move);
+    m_host.setCtrlPressed(ctrl);
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, end);
+    m_host.setCtrlPressed(false);
+
+    QVERIFY(!lower->isDraggingItem());
+    QCOMPARE(pathsOf(rowAt(lower, ""), from.section('/', -1)), where);
+    // The rows that were open are open again after the refill.
+    QVERIFY(rowAt(lower, "Medium voltage")->isExpanded());
+    QVERIFY(rowAt(lower, "Low voltage")->isExpanded());
+    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", 1);
+    QCOMPARE(int(catalog->GetAllElementsMap()->size()), 7 + int(where.size()));
+}
+
+void TestCatalogEditorDlg::contextMenu_data()
+{
+    QTest::addColumn<QString>("catalog");
+    QTest::addColumn<int>("tree");
+    QTest::addColumn<QString>("path");    // "-": empty space
+    QTest::addColumn<QString>("entries"); // "(text)" disabled, "-" separator; empty: no menu
+    QTest::addColumn<QString>("choose");  // empty: dismissed
+    QTest::addColumn<QString>("check");   // row whose children are compared
+    QTest::addColumn<QString>("children");
+
+    const int lower = Ids::CatalogTree;
+    const int upper = Ids::DrawingTree;
+    const QString rootLevel = "Loose item, Medium voltage, Low voltage";
+    QTest::newRow("catalog group: copy") << "CABLES" << lower << "Low voltage"
+        << "(Add group), New item from the selected template, -, Delete group contents, Delete group, -, Copy group"
+        << "Copy group" << "Low voltage_copy" << "Cable 4x16, Cable 4x25";
+    QTest::newRow("catalog group: delete contents") << "CABLES" << lower << "Medium voltage"
+        << "Add group, New item from the selected template, -, Delete group contents, Delete group, -, Copy group"
+        << "Delete group contents" << "Medium voltage" << "";
+    QTest::newRow("catalog item") << "CABLES" << lower << "Low voltage/Cable 4x16"
+        << "New item from the selected template, New item as a copy of the selected item, -, Delete item"
+        << "New item as a copy of the selected item" << "Low voltage" << "Cable 4x16, Cable 4x25, Cable 4x2501";
+    QTest::newRow("drawing item: delete") << "CABLES" << upper << "Low voltage/Cable 4x16"
+        << "Add to application catalog, -, Delete item" << "Delete item" << "Low voltage" << "Cable 4x25";
+    QTest::newRow("drawing root: delete all") << "CABLES" << upper << ""
+        << "Add the whole catalog to the application, -, Delete all entries of the catalog"
+        << "Delete all entries of the catalog" << "" << "";
+    QTest::newRow("dismissed") << "CABLES" << lower << "" << "Add group, -, Delete all entries of the catalog" << "" << "" << rootLevel;
+    QTest::newRow("empty space") << "CABLES" << lower << "-" << "" << "" << "" << rootLevel;
+    QTest::newRow("new items disabled") << "LOCKED" << lower << "Fixed" << "" << "" << "Fixed" << "Fixed item";
+}
+
+void TestCatalogEditorDlg::contextMenu()
+{
+    QFETCH(QString, catalog);
+    QFETCH(int, tree);
+    QFETCH(QString, path);
+    QFETCH(QString, entries);
+    QFETCH(QString, choose);
+    QFETCH(QString, check);
+    QFETCH(QString, children);
+
+    writeDefaultStore();
+    auto dlg = openDialog(catalog);
+    auto* widget = findControl<QTreeWidget>(dlg.get(), tree);
+    const QPoint at = path == "-" ? QPoint(20, widget->viewport()->height() - 4)
+                                  : centreOf(widget, rowAt(widget, path));
+    m_host.queueAnswer(true);
+    QStringList seen;
+    QTimer::singleShot(0, this, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu)
+            return;
+        QAction* chosen = nullptr;
+        for (QAction* action : menu->actions())
+        {
+            seen << (action->isSeparator() ? "-" : action->isEnabled() ? action->text() : "(" + action->text() + ")");
+            if (!action->isSeparator() && action->text() == choose)
+                chosen = action;
+        }
+        if (chosen)
+            chosen->trigger();
+        menu->close();
+    });
+    emit widget->customContextMenuRequested(at);
+    QCoreApplication::processEvents();
+    QCOMPARE(seen.join(", "), entries);
+    QCOMPARE(childTexts(rowAt(widget, check)).join(", "), children);
+    QCOMPARE(m_host.questions().size(), choose.startsWith("Delete") ? 1 : 0);
+    if (path == "-")
+        QVERIFY(!widget->currentItem());
+}
+
+void TestCatalogEditorDlg::addToApplicationRefillsCatalogTree()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage");
+    m_host.queueAnswer(true);
+    findControl<QAbstractButton>(dlg.get(), Ids::BtnDelete)->click();
+    QVERIFY(!rowAt(lower, "Low voltage"));
+
+    focusAndSelect(*dlg, Ids::DrawingTree, "Low voltage/Cable 4x16");
+    auto* add = findControl<QAbstractButton>(dlg.get(), Ids::BtnAddToApp);
+    add->click();
+    QCOMPARE(childTexts(rowAt(lower, "Low voltage")), QStringList{"Cable 4x16"});
+    QVERIFY(m_host.alerts().isEmpty());
+    add->click();
+    QCOMPARE(m_host.alerts(),
+             QStringList{"The item \"Cable 4x16\" is already in the application catalog."});
 }
 
 QTEST_MAIN(TestCatalogEditorDlg)

@@ -86,7 +86,6 @@ private slots:
     void treeRowsOfNothing();
     void comboLines_data();
     void comboLines();
-    void templatesOfVersionMinusOneAreNotOffered();
     void defaultMarking_data();
     void defaultMarking();
     void uniqueChildName_data();
@@ -210,14 +209,11 @@ void TestEditorLogic::comboLines_data()
     QTest::addColumn<int>("selected");
 
     const QStringList all{"Cables", "Poles*** HIDDEN ***", "Cables again"};
-    QTest::newRow("hidden left out, first selected")
-        << false << "" << QStringList{"Cables", "Cables again"} << 0;
+    QTest::newRow("hidden left out, first selected") << false << "" << QStringList{"Cables", "Cables again"} << 0;
     QTest::newRow("hidden shown with marker") << true << "" << all << 0;
     QTest::newRow("reference ignoring case") << true << "POLES" << all << 1;
-    QTest::newRow("hidden reference not offered")
-        << false << "poles" << QStringList{"Cables", "Cables again"} << 0;
-    QTest::newRow("last match wins")
-        << false << "cab" << QStringList{"Cables", "Cables again"} << 1;
+    QTest::newRow("hidden reference not offered") << false << "poles" << QStringList{"Cables", "Cables again"} << 0;
+    QTest::newRow("last match wins") << false << "cab" << QStringList{"Cables", "Cables again"} << 1;
     QTest::newRow("unknown reference") << true << "nothing" << all << 0;
 }
 
@@ -242,17 +238,6 @@ void TestEditorLogic::comboLines()
     QCOMPARE(content.selected, selected);
 }
 
-void TestEditorLogic::templatesOfVersionMinusOneAreNotOffered()
-{
-    auto make = [](const QString& name, int version)
-    { return boost::make_shared<CCatalogItemTemplate>(name, version, nullptr); };
-    const auto offered = OfferedTemplates(
-        {make("Old", -1), make("Cable", 0), nullptr, make("Pole", 3), make("Retired", -1)});
-    QCOMPARE(offered.size(), size_t(2));
-    QCOMPARE(offered[0]->GetName(), QString("Cable"));
-    QCOMPARE(offered[1]->GetName(), QString("Pole"));
-}
-
 void TestEditorLogic::defaultMarking_data()
 {
     QTest::addColumn<QString>("marked");
@@ -260,18 +245,10 @@ void TestEditorLogic::defaultMarking_data()
     QTest::addColumn<QString>("clearedRows");
 
     // Before: A1 (type A) and B1 (type B) and N1 (no type) are defaults.
-    QTest::newRow("same type cleared") << "A2"
-                                       << "A2 B1 N1"
-                                       << "A1 A2";
-    QTest::newRow("exact type comparison") << "a"
-                                           << "A1 B1 N1 a"
-                                           << "a";
-    QTest::newRow("without type nothing cleared") << "N2"
-                                                  << "A1 B1 N1 N2"
-                                                  << "";
-    QTest::newRow("group is never marked") << "Group"
-                                           << "A1 B1 N1"
-                                           << "";
+    QTest::newRow("same type cleared") << "A2" << "A2 B1 N1" << "A1 A2";
+    QTest::newRow("exact type comparison") << "a" << "A1 B1 N1 a" << "a";
+    QTest::newRow("without type nothing cleared") << "N2" << "A1 B1 N1 N2" << "";
+    QTest::newRow("group is never marked") << "Group" << "A1 B1 N1" << "";
 }
 
 void TestEditorLogic::defaultMarking()
@@ -345,19 +322,13 @@ void TestEditorLogic::renumberByName_data()
     QTest::addColumn<bool>("ascending");
     QTest::addColumn<QString>("order");
 
-    QTest::newRow("numeric by trailing digits")
-        << QStringList{"A10", "A2", "A1"} << true << "A1 A2 A10";
-    QTest::newRow("one other name: text order")
-        << QStringList{"A10", "A2", "A1", "B"} << true << "A1 A10 A2 B";
+    QTest::newRow("numeric by trailing digits") << QStringList{"A10", "A2", "A1"} << true << "A1 A2 A10";
+    QTest::newRow("one other name: text order") << QStringList{"A10", "A2", "A1", "B"} << true << "A1 A10 A2 B";
     QTest::newRow("text order by character code") << QStringList{"b", "B", "a"} << true << "B a b";
-    QTest::newRow("first character never in the key")
-        << QStringList{"123", "9", "A7"} << true << "9 A7 123";
+    QTest::newRow("first character never in the key") << QStringList{"123", "9", "A7"} << true << "9 A7 123";
     QTest::newRow("empty name first") << QStringList{"X3", ""} << true << " X3";
-    QTest::newRow("descending reverses equal keys too")
-        << QStringList{"X1", "Y1", "Z2"} << false << "Z2 Y1 X1";
-    QTest::newRow("endless digits saturate")
-        << QStringList{"N" + QString(40, '9'), "N" + QString(30, '9'), "N5"} << true
-        << "N5 N" + QString(40, '9') + " N" + QString(30, '9');
+    QTest::newRow("descending reverses equal keys too") << QStringList{"X1", "Y1", "Z2"} << false << "Z2 Y1 X1";
+    QTest::newRow("endless digits saturate") << QStringList{"N" + QString(40, '9'), "N" + QString(30, '9'), "N5"} << true << "N5 N" + QString(40, '9') + " N" + QString(30, '9');
 }
 
 void TestEditorLogic::renumberByName()
@@ -444,18 +415,12 @@ void TestEditorLogic::moveIntoGroup_data()
     QTest::addColumn<bool>("done");
     QTest::addColumn<QString>("parentAfter");
 
-    QTest::newRow("onto a group") << "Cable"
-                                  << "Empty" << true << "Empty";
-    QTest::newRow("onto an item: into its group") << "Cable"
-                                                  << "Pole" << true << "Poles";
-    QTest::newRow("root element leaves the root level") << "Loose"
-                                                        << "Empty" << true << "Empty";
-    QTest::newRow("onto itself: stays") << "Cable"
-                                        << "Cable" << true << "Cables";
-    QTest::newRow("onto a root item: nowhere") << "Cable"
-                                               << "Loose" << false << "Cables";
-    QTest::newRow("a group never below itself") << "Cables"
-                                                << "Inner" << false << "";
+    QTest::newRow("onto a group") << "Cable" << "Empty" << true << "Empty";
+    QTest::newRow("onto an item: into its group") << "Cable" << "Pole" << true << "Poles";
+    QTest::newRow("root element leaves the root level") << "Loose" << "Empty" << true << "Empty";
+    QTest::newRow("onto itself: stays") << "Cable" << "Cable" << true << "Cables";
+    QTest::newRow("onto a root item: nowhere") << "Cable" << "Loose" << false << "Cables";
+    QTest::newRow("a group never below itself") << "Cables" << "Inner" << false << "";
 }
 
 void TestEditorLogic::moveIntoGroup()
@@ -492,8 +457,7 @@ void TestEditorLogic::addToApplication_data()
 
     // Drawing: G1 { I1, Sub { Deep } }, G2 { I3 }; catalog: G2 {}, Old.
     using R = AddToApplicationResult;
-    QTest::newRow("whole catalog, one level down")
-        << "" << int(R::Added) << "G1< I1<G1 I3<G2 Sub<G1";
+    QTest::newRow("whole catalog, one level down") << "" << int(R::Added) << "G1< I1<G1 I3<G2 Sub<G1";
     QTest::newRow("group with its direct sub-items") << "G1" << int(R::Added) << "G1< I1<G1 Sub<G1";
     QTest::newRow("item into its present group") << "I3" << int(R::Added) << "I3<G2";
     QTest::newRow("item whose group is missing") << "I1" << int(R::Added) << "G1< I1<G1";
