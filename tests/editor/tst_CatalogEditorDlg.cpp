@@ -154,15 +154,11 @@ private slots:
     void selectionSetsButtons();
     void selectionShowsPropertiesInGrid();
     void gridEditReachesItemAndNameRenamesRow();
-    void nameEditWithoutLowerSelectionChangesNoRow();
     void labelEditing_data();
     void labelEditing();
-    void setDefaultMarksByEquipmentType_data();
-    void setDefaultMarksByEquipmentType();
-    void switchingSavesCatalogShownBefore();
-    void okWritesFile();
-    void cancelAndCloseBoxDropChanges_data();
-    void cancelAndCloseBoxDropChanges();
+    void setDefaultMarksRows();
+    void endings_data();
+    void endings();
     void deleteAsksAndRemoves_data();
     void deleteAsksAndRemoves();
     void testButtonTogglesReadOnlyInOrder();
@@ -172,9 +168,8 @@ private slots:
     void infoPreviewsTemplatePicture();
     void newEntries_data();
     void newEntries();
-    void upAndDown_data();
-    void upAndDown();
-    void sortAlternatesDirection();
+    void ordering_data();
+    void ordering();
     void dragAndDrop_data();
     void dragAndDrop();
     void contextMenu_data();
@@ -439,7 +434,6 @@ void TestCatalogEditorDlg::selectionSetsButtons_data()
     const int lower = Ids::CatalogTree;
     const int upper = Ids::DrawingTree;
     QTest::newRow("lower root") << "CABLES" << lower << "" << "107 108 120";
-    QTest::newRow("group of items") << "CABLES" << lower << "Low voltage" << "108 105 119 118 120";
     QTest::newRow("item in upper tree") << "CABLES" << upper << "Medium voltage/Copper/Cu 95" << "108 105 110 119 118 120 123";
     QTest::newRow("upper root keeps buttons") << "CABLES" << upper << "" << "";
     QTest::newRow("item, new items disabled") << "LOCKED" << lower << "Fixed/Fixed item" << "119 118 120";
@@ -516,19 +510,13 @@ void TestCatalogEditorDlg::gridEditReachesItemAndNameRenamesRow()
     QCOMPARE(lower->currentItem()->text(0), QString("Cable 4x35"));
     QCOMPARE(item->GetProperty("CATALOGITEM_NAME")->GetValue().ToString(), QString("Cable 4x35"));
     dlg->OnItemUpdated(nullptr);
-}
 
-void TestCatalogEditorDlg::nameEditWithoutLowerSelectionChangesNoRow()
-{
-    writeDefaultStore();
-    auto dlg = openDialog("CABLES");
+    // Without a selection in the catalog tree no row is renamed.
     focusAndSelect(*dlg, Ids::DrawingTree, "Low voltage/Cable 4x16");
-    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
-    QVERIFY(!lower->currentItem());
-    auto name = dlg->CurrentItem()->GetProperty("CATALOGITEM_NAME");
-    name->SetValue(CDataBox::fromString("Other"));
-    dlg->OnItemUpdated(name.get());
-    QCOMPARE(childTexts(rowAt(lower, "Low voltage")), QStringList({"Cable 4x16", "Cable 4x25"}));
+    const auto drawingName = dlg->CurrentItem()->GetProperty("CATALOGITEM_NAME");
+    lower->setCurrentItem(nullptr);
+    dlg->OnItemUpdated(drawingName.get());
+    QCOMPARE(childTexts(rowAt(lower, "Low voltage")), QStringList({"Cable 4x16", "Cable 4x35"}));
 }
 
 void TestCatalogEditorDlg::labelEditing_data()
@@ -579,98 +567,65 @@ void TestCatalogEditorDlg::labelEditing()
     QVERIFY(!widget->isEditingLabel());
 }
 
-void TestCatalogEditorDlg::setDefaultMarksByEquipmentType_data()
+void TestCatalogEditorDlg::setDefaultMarksRows()
 {
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("defaults"); // item GUIDs marked default afterwards
-
-    QTest::newRow("same type: old default cleared") << "Low voltage/Cable 4x25" << "{A-25}";
-    QTest::newRow("group: nothing happens") << "Low voltage" << "{A-16}";
-}
-
-void TestCatalogEditorDlg::setDefaultMarksByEquipmentType()
-{
-    QFETCH(QString, path);
-    QFETCH(QString, defaults);
-
     writeDefaultStore();
     auto dlg = openDialog("CABLES");
-    focusAndSelect(*dlg, Ids::CatalogTree, path);
-    dlg->OnBnClickedBtnSetDefault();
-
-    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", 1);
-    QStringList marked;
-    for (const auto& [guid, item] : *catalog->GetAllElementsMap())
-        if (item->GetIsDefault())
-            marked << guid;
-    QCOMPARE(marked.join(' '), defaults);
-    // Rows below the top level show the marks.
     auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
-    QCOMPARE(imageOf(rowAt(lower, "Low voltage/Cable 4x16")), defaults.contains("{A-16}") ? 9 : 6);
-    QCOMPARE(imageOf(rowAt(lower, "Low voltage/Cable 4x25")), defaults.contains("{A-25}") ? 9 : 6);
-    QCOMPARE(imageOf(rowAt(lower, "Medium voltage/Copper/Cu 95")), defaults.contains("{B-95}") ? 9 : 6);
-}
-
-void TestCatalogEditorDlg::switchingSavesCatalogShownBefore()
-{
-    writeDefaultStore();
-    auto dlg = openDialog("CABLES");
-    const QByteArray before = m_store->catalogFileBytes("CABLES");
-    CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetItembyGuid("{A-25}")->SetName("Renamed");
-    findControl<QComboBox>(dlg.get(), Ids::CatalogCombo)->setCurrentIndex(1);
-    QVERIFY(m_host.questions().isEmpty());
-    QVERIFY(m_store->catalogFileBytes("CABLES") != before);
-    QVERIFY(m_store->catalogFileBytes("CABLES").contains("Renamed"));
-    m_store->reopen();
-    QCOMPARE(CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetItembyGuid("{A-25}")->GetName(),
-             QString("Renamed"));
-}
-
-void TestCatalogEditorDlg::okWritesFile()
-{
-    writeDefaultStore();
-    auto dlg = openDialog("CABLES");
+    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage");
+    dlg->OnBnClickedBtnSetDefault(); // a group: nothing happens
+    QCOMPARE(imageOf(rowAt(lower, "Low voltage/Cable 4x16")), 9);
     focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x25");
-    dlg->CurrentItem()->GetProperty("CROSS_SECTION")->SetValue(CDataBox::fromString("50"));
-    findControl<QAbstractButton>(dlg.get(), Ids::Ok)->click();
-    QCOMPARE(dlg->result(), int(QDialog::Accepted));
-    QVERIFY(!dlg->isVisible());
-    dlg.reset();
-    m_store->reopen();
-    auto reread = CCatalogManager::Instance()->GetCatalog("CABLES", 1);
-    QVERIFY(reread);
-    QCOMPARE(reread->GetItembyGuid("{A-25}")->GetProperty("CROSS_SECTION")->GetValue().ToString(),
-             QString("50"));
+    dlg->OnBnClickedBtnSetDefault();
+    QCOMPARE(imageOf(rowAt(lower, "Low voltage/Cable 4x16")), 6);
+    QCOMPARE(imageOf(rowAt(lower, "Low voltage/Cable 4x25")), 9);
+    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", 1);
+    QVERIFY(catalog->GetItembyGuid("{A-25}")->GetIsDefault());
+    QVERIFY(!catalog->GetItembyGuid("{A-16}")->GetIsDefault());
 }
 
-void TestCatalogEditorDlg::cancelAndCloseBoxDropChanges_data()
+void TestCatalogEditorDlg::endings_data()
 {
     QTest::addColumn<QString>("how");
-    QTest::newRow("Cancel button") << "cancel";
-    QTest::newRow("close box") << "close";
-    QTest::newRow("Escape") << "escape";
+    QTest::addColumn<bool>("saved");
+
+    QTest::newRow("OK saves") << "ok" << true;
+    QTest::newRow("switching catalogs saves, unasked") << "switch" << true;
+    QTest::newRow("Cancel reloads") << "cancel" << false;
+    QTest::newRow("close box reloads") << "close" << false;
+    QTest::newRow("Escape reloads") << "escape" << false;
 }
 
-void TestCatalogEditorDlg::cancelAndCloseBoxDropChanges()
+void TestCatalogEditorDlg::endings()
 {
     QFETCH(QString, how);
+    QFETCH(bool, saved);
+
     writeDefaultStore();
     auto dlg = openDialog("CABLES");
     const QByteArray before = m_store->catalogFileBytes("CABLES");
     focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x25");
-    dlg->CurrentItem()->SetName("Dropped");
-    if (how == "cancel")
+    dlg->CurrentItem()->GetProperty("CROSS_SECTION")->SetValue(CDataBox::fromString("50"));
+    if (how == "ok")
+        findControl<QAbstractButton>(dlg.get(), Ids::Ok)->click();
+    else if (how == "switch")
+        findControl<QComboBox>(dlg.get(), Ids::CatalogCombo)->setCurrentIndex(1);
+    else if (how == "cancel")
         findControl<QAbstractButton>(dlg.get(), Ids::Cancel)->click();
     else if (how == "close")
         dlg->close();
     else
         QTest::keyClick(findControl<QWidget>(dlg.get(), Ids::CatalogTree), Qt::Key_Escape);
-    QCOMPARE(dlg->result(), int(QDialog::Rejected));
-    QVERIFY(!dlg->isVisible());
-    QCOMPARE(m_store->catalogFileBytes("CABLES"), before);
-    // The manager reads the catalog anew: the edit is gone.
-    QCOMPARE(CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetItembyGuid("{A-25}")->GetName(),
-             QString("Cable 4x25"));
+    QCOMPARE(dlg->isVisible(), how == "switch");
+    if (how != "switch")
+        QCOMPARE(dlg->result(), int(how == "ok" ? QDialog::Accepted : QDialog::Rejected));
+    QVERIFY(m_host.questions().isEmpty());
+    QCOMPARE(m_store->catalogFileBytes("CABLES") != before, saved);
+    // Read anew from the store, also after a reload: the edit is there exactly when saved.
+    dlg.reset();
+    m_store->reopen();
+    const auto item = CCatalogManager::Instance()->GetCatalog("CABLES", 1)->GetItembyGuid("{A-25}");
+    QCOMPARE(item->GetProperty("CROSS_SECTION")->GetValue().ToString(), QString(saved ? "50" : "25"));
 }
 
 void TestCatalogEditorDlg::deleteAsksAndRemoves_data()
@@ -721,13 +676,12 @@ void TestCatalogEditorDlg::testButtonTogglesReadOnlyInOrder()
     writeDefaultStore();
     auto dlg = openDialog("CABLES");
     auto* grid = findControl<PropertyGridWidget>(dlg.get(), Ids::Grid);
-    QVERIFY(grid);
-    dlg->OnBnClickedBtnTest(); // passes the flag before inverting it: writable
-    QCOMPARE(grid->isReadOnly(), false);
-    dlg->OnBnClickedBtnTest();
-    QCOMPARE(grid->isReadOnly(), true);
-    dlg->OnBnClickedBtnTest();
-    QCOMPARE(grid->isReadOnly(), false);
+    // The flag is passed before it is inverted: the first press leaves the grid writable.
+    for (bool readOnly : {false, true, false})
+    {
+        dlg->OnBnClickedBtnTest();
+        QCOMPARE(grid->isReadOnly(), readOnly);
+    }
 }
 
 void TestCatalogEditorDlg::ctrlNewUpgradesCurrentItem()
@@ -887,21 +841,23 @@ void TestCatalogEditorDlg::newEntries()
         QCOMPARE(dlg->RowOfItem(item), added);
 }
 
-void TestCatalogEditorDlg::upAndDown_data()
+void TestCatalogEditorDlg::ordering_data()
 {
-    QTest::addColumn<bool>("down");
+    QTest::addColumn<int>("button");
     QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("children"); // of the moved row's parent row, afterwards
+    QTest::addColumn<QString>("children"); // of the rows re-sorted; for SORT in ascending order
 
-    QTest::newRow("down") << true << "Low voltage/Cable 4x16" << "Cable 4x25, Cable 4x16";
-    QTest::newRow("up on the first") << false << "Low voltage/Cable 4x16" << "Cable 4x16, Cable 4x25";
-    QTest::newRow("a group stays") << true << "Medium voltage/Copper" << "Copper, Aluminium";
-    QTest::newRow("a root item stays") << false << "Loose item" << "Loose item, Medium voltage, Low voltage";
+    QTest::newRow("down") << 118 << "Low voltage/Cable 4x16" << "Cable 4x25, Cable 4x16";
+    QTest::newRow("up on the first") << 119 << "Low voltage/Cable 4x16" << "Cable 4x16, Cable 4x25";
+    QTest::newRow("a group stays") << 118 << "Medium voltage/Copper" << "Copper, Aluminium";
+    QTest::newRow("a root item stays") << 119 << "Loose item" << "Loose item, Medium voltage, Low voltage";
+    QTest::newRow("sort the root level by text") << 120 << "" << "Loose item, Low voltage, Medium voltage";
+    QTest::newRow("sort an item's group by number") << 120 << "Low voltage/Cable 4x25" << "Cable 4x16, Cable 4x25";
 }
 
-void TestCatalogEditorDlg::upAndDown()
+void TestCatalogEditorDlg::ordering()
 {
-    QFETCH(bool, down);
+    QFETCH(int, button);
     QFETCH(QString, path);
     QFETCH(QString, children);
 
@@ -910,41 +866,28 @@ void TestCatalogEditorDlg::upAndDown()
     focusAndSelect(*dlg, Ids::CatalogTree, path);
     auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
     QTreeWidgetItem* row = lower->currentItem();
-    findControl<QAbstractButton>(dlg.get(), down ? Ids::BtnDown : Ids::BtnUp)->click();
-    QCOMPARE(childTexts(row->parent()).join(", "), children);
-    QCOMPARE(lower->currentItem(), row);
-}
+    QTreeWidgetItem* sorted = path.isEmpty() ? row : row->parent();
+    // The direction alternates for the whole module, so it is read, not assumed.
+    const bool ascending = CCatalogEditorDlg::NextSortAscending();
+    auto* clicked = findControl<QAbstractButton>(dlg.get(), button);
+    clicked->click();
 
-void TestCatalogEditorDlg::sortAlternatesDirection()
-{
-    writeDefaultStore();
-    auto dlg = openDialog("CABLES");
-    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
-    auto* sort = findControl<QAbstractButton>(dlg.get(), Ids::BtnSort);
-    const QStringList ascending{"Loose item", "Low voltage", "Medium voltage"};
-    auto iconOf = [](const char* name) {
-        return CModuleConfiguration::Instance()->LoadImageW(name, 1, 24, 24, 0).toImage();
-    };
-    focusAndSelect(*dlg, Ids::CatalogTree, "");
-    for (int round = 0; round < 2; ++round)
+    QStringList expected = children.split(", ");
+    if (button == Ids::BtnSort)
     {
-        const bool up = CCatalogEditorDlg::NextSortAscending();
-        sort->click();
-        QStringList expected = ascending;
-        if (!up)
+        if (!ascending)
             std::reverse(expected.begin(), expected.end());
-        QCOMPARE(childTexts(rowAt(lower, "")), expected);
-        QCOMPARE(CCatalogEditorDlg::NextSortAscending(), !up);
-        QCOMPARE(sort->icon().pixmap(24, 24).toImage(), iconOf(up ? "IDI_SORT_DESC" : "IDI_SORT_ASC"));
+        QCOMPARE(CCatalogEditorDlg::NextSortAscending(), !ascending);
+        const auto icon = CModuleConfiguration::Instance()->LoadImageW(
+            ascending ? "IDI_SORT_DESC" : "IDI_SORT_ASC", 1, 24, 24, 0);
+        QCOMPARE(clicked->icon().pixmap(24, 24).toImage(), icon.toImage());
     }
-    // An item's siblings are its group's children; they are numbered in the catalog too.
-    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x25");
-    const bool up = CCatalogEditorDlg::NextSortAscending();
-    sort->click();
-    QCOMPARE(childTexts(rowAt(lower, "Low voltage")),
-             up ? QStringList({"Cable 4x16", "Cable 4x25"}) : QStringList({"Cable 4x25", "Cable 4x16"}));
-    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", 1);
-    QCOMPARE(catalog->GetItembyGuid("{A-16}")->GetOrd(), up ? 0 : 1);
+    QCOMPARE(childTexts(sorted), expected);
+    // The order is the catalog's: it holds after a refill.
+    findControl<QComboBox>(dlg.get(), Ids::CatalogCombo)->setCurrentIndex(1);
+    findControl<QComboBox>(dlg.get(), Ids::CatalogCombo)->setCurrentIndex(0);
+    QCOMPARE(childTexts(rowAt(lower, path.isEmpty() ? "" : path.section('/', 0, -2))), expected);
+    QCOMPARE(lower->topLevelItemCount(), 1);
 }
 
 void TestCatalogEditorDlg::dragAndDrop_data()
@@ -1016,14 +959,8 @@ void TestCatalogEditorDlg::contextMenu_data()
     QTest::newRow("catalog group: delete contents") << "CABLES" << lower << "Medium voltage"
         << "Add group, New item from the selected template, -, Delete group contents, Delete group, -, Copy group"
         << "Delete group contents" << "Medium voltage" << "";
-    QTest::newRow("catalog item") << "CABLES" << lower << "Low voltage/Cable 4x16"
-        << "New item from the selected template, New item as a copy of the selected item, -, Delete item"
-        << "New item as a copy of the selected item" << "Low voltage" << "Cable 4x16, Cable 4x25, Cable 4x2501";
     QTest::newRow("drawing item: delete") << "CABLES" << upper << "Low voltage/Cable 4x16"
         << "Add to application catalog, -, Delete item" << "Delete item" << "Low voltage" << "Cable 4x25";
-    QTest::newRow("drawing root: delete all") << "CABLES" << upper << ""
-        << "Add the whole catalog to the application, -, Delete all entries of the catalog"
-        << "Delete all entries of the catalog" << "" << "";
     QTest::newRow("dismissed") << "CABLES" << lower << "" << "Add group, -, Delete all entries of the catalog" << "" << "" << rootLevel;
     QTest::newRow("empty space") << "CABLES" << lower << "-" << "" << "" << "" << rootLevel;
     QTest::newRow("new items disabled") << "LOCKED" << lower << "Fixed" << "" << "" << "Fixed" << "Fixed item";
