@@ -87,6 +87,9 @@ CatalogTreeWidget::CatalogTreeWidget(QWidget* parent) : QTreeWidget(parent)
     setIconSize(QSize(24, 24));
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setSelectionMode(QAbstractItemView::SingleSelection);
+    // A drag holds rows; whatever removes rows ends it first.
+    connect(model(), &QAbstractItemModel::rowsAboutToBeRemoved, this, [this] { endItemDrag(); });
+    connect(model(), &QAbstractItemModel::modelAboutToBeReset, this, [this] { endItemDrag(); });
 }
 
 QTreeWidgetItem* CatalogTreeWidget::fill(Data::CCatalog* catalog, const QString& rootText,
@@ -96,7 +99,6 @@ QTreeWidgetItem* CatalogTreeWidget::fill(Data::CCatalog* catalog, const QString&
     Host::WaitCursor wait;
     setUpdatesEnabled(false);
     m_editRow = nullptr;
-    endItemDrag();
     if (rowMap)
         rowMap->clear();
     clear();
