@@ -143,11 +143,21 @@ QString screenshotPathProblem(const QString& path)
     return QString();
 }
 
-bool needsOffscreenPlatform()
+QString screenshotPlatform()
 {
-    return qEnvironmentVariableIsEmpty("DISPLAY") &&
-           qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
-           qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        return QString();
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+    // A stale DISPLAY (an old remote session) would otherwise abort the program.
+    if (!qEnvironmentVariableIsEmpty("DISPLAY"))
+        return QStringLiteral("xcb;offscreen");
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        return QStringLiteral("wayland;offscreen");
+    return QStringLiteral("offscreen");
+#else
+    // Windows and macOS always have their window system.
+    return QString();
+#endif
 }
 
 } // namespace ZEVGis::Program

@@ -40,8 +40,10 @@ CommandLine parseCommandLine(const QStringList& arguments);
 // Empty when a file can be written at `path`, else why not.
 QString screenshotPathProblem(const QString& path);
 
-// True when a screenshot has to be rendered without a window system: nothing names a
-// display and the user chose no platform.
-bool needsOffscreenPlatform();
+// The platform list (QT_QPA_PLATFORM) a screenshot run starts with: empty when the user
+// chose a platform; otherwise the window system named by the environment, with the
+// offscreen platform after it for a display that cannot be reached, or the offscreen
+// platform alone when nothing names a display.
+QString screenshotPlatform();
 
 } // namespace ZEVGis::Program

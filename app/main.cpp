@@ -87,8 +87,12 @@ int main(int argc, char* argv[])
     const Program::ProgramOptions& options = commandLine.options;
 
     // The platform is chosen when the application object is built.
-    if (!options.screenshot.isEmpty() && Program::needsOffscreenPlatform())
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!options.screenshot.isEmpty())
+    {
+        const QString platform = Program::screenshotPlatform();
+        if (!platform.isEmpty())
+            qputenv("QT_QPA_PLATFORM", platform.toLatin1());
+    }
 
     QApplication::setApplicationName(QStringLiteral("zevxcatalogeditor"));
     QApplication::setApplicationVersion(QStringLiteral(ZEVX_VERSION));

@@ -102,24 +102,31 @@ void TestProgram::runs_data()
 {
     QTest::addColumn<bool>("samples");
     QTest::addColumn<QStringList>("args"); // "@TMP" is the store
+    // "-": the test's own (offscreen) platform; else the DISPLAY of a run whose environment
+    // names no platform ("" for none at all).
+    QTest::addColumn<QString>("display");
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QString>("error");
 
     const QStringList shot{"poles", "--catalogs",   "@TMP",           "--lang",
                            "en",    "--screenshot", "@TMP/editor.png"};
-    QTest::newRow("screenshot of the sample store") << true << shot << 0 << QString();
+    // clang-format off
+    QTest::newRow("screenshot of the sample store") << true << shot << "-" << 0 << QString();
+    QTest::newRow("screenshot without a display") << true << shot << "" << 0 << QString();
+    QTest::newRow("screenshot, display unreachable") << true << shot << ":9999" << 0 << QString();
     // The alert comes up instead of the editor: pictured, closed, and reported as a failure.
-    QTest::newRow("screenshot of an empty store") << false << shot << 1 << "Catalog error!";
+    QTest::newRow("screenshot of an empty store") << false << shot << "-" << 1 << "Catalog error!";
     // Refused before anything is shown.
-    QTest::newRow("bad option") << false
-                                << QStringList{"--lang", "fr", "--screenshot", "@TMP/x.png"} << 2
-                                << "Unknown language 'fr'";
+    QTest::newRow("bad option") << false << QStringList{"--lang", "fr", "--screenshot", "@TMP/x.png"}
+        << "-" << 2 << "Unknown language 'fr'";
+    // clang-format on
 }
 
 void TestProgram::runs()
 {
     QFETCH(bool, samples);
     QFETCH(QStringList, args);
+    QFETCH(QString, display);
     QFETCH(int, exitCode);
     QFETCH(QString, error);
 
@@ -135,6 +142,15 @@ void TestProgram::runs()
         QVERIFY(QFile::copy(source, target));
     }
     QProcess program;
+    if (display != u"-")
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"})
+            environment.remove(QString::fromLatin1(name));
+        if (!display.isEmpty())
+            environment.insert(QStringLiteral("DISPLAY"), display);
+        program.setProcessEnvironment(environment);
+    }
     program.start(QStringLiteral(ZEVX_PROGRAM), withTemp(args, store.path()));
     QVERIFY2(program.waitForStarted(), qPrintable(program.errorString()));
     QVERIFY(program.waitForFinished(60000));
