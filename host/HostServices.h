@@ -57,24 +57,32 @@ private:
     HostServices* m_previous;
 };
 
-// RAII wait cursor through the host services.
+// RAII wait cursor through the host services. The cursor is taken off by the services that
+// put it on, even if others were installed in between.
 class WaitCursor
 {
 public:
-    WaitCursor() { HostServices::current().beginWaitCursor(); }
-    ~WaitCursor() { HostServices::current().endWaitCursor(); }
+    WaitCursor() : m_services(HostServices::current()) { m_services.beginWaitCursor(); }
+    ~WaitCursor() { m_services.endWaitCursor(); }
     WaitCursor(const WaitCursor&) = delete;
     WaitCursor& operator=(const WaitCursor&) = delete;
+
+private:
+    HostServices& m_services;
 };
 
-// RAII resource-handle scope: popped also when an exception leaves the scope.
+// RAII resource-handle scope: popped also when an exception leaves the scope, and from the
+// stack it was pushed on.
 class ResourceScope
 {
 public:
-    ResourceScope() { HostServices::current().pushResourceHandle(); }
-    ~ResourceScope() { HostServices::current().popResourceHandle(); }
+    ResourceScope() : m_services(HostServices::current()) { m_services.pushResourceHandle(); }
+    ~ResourceScope() { m_services.popResourceHandle(); }
     ResourceScope(const ResourceScope&) = delete;
     ResourceScope& operator=(const ResourceScope&) = delete;
+
+private:
+    HostServices& m_services;
 };
 
 } // namespace ZEVGis::Host

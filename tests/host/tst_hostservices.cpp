@@ -34,12 +34,15 @@ void TestHostServices::scopesRestoreOnException()
 {
     QVERIFY(dynamic_cast<QtHostServices*>(&HostServices::current()));
     ScriptedHost host;
+    ScriptedHost installedMeanwhile;
     {
         ScopedHostServices use(host);
-        auto failingRun = []
+        // Other services installed inside the scopes do not receive their ends.
+        auto failingRun = [&installedMeanwhile]
         {
             ResourceScope scope;
             WaitCursor wait;
+            HostServices::install(&installedMeanwhile);
             throw std::runtime_error("dialog failed");
         };
         QVERIFY_THROWS_EXCEPTION(std::runtime_error, failingRun());
@@ -47,6 +50,8 @@ void TestHostServices::scopesRestoreOnException()
     QCOMPARE(host.pushCount(), 1);
     QCOMPARE(host.popCount(), 1);
     QCOMPARE(host.waitCursorDepth(), 0);
+    QCOMPARE(installedMeanwhile.popCount(), 0);
+    QCOMPARE(installedMeanwhile.waitCursorDepth(), 0);
     QVERIFY(dynamic_cast<QtHostServices*>(&HostServices::current()));
 }
 
