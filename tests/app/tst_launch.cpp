@@ -30,14 +30,16 @@ public:
     int undef(const QString& name, int index) override { return note("undef", name, index); }
     int regFunc(int index) override { return note("regFunc", QString(), index); }
     int getFunCode() override { return (calls << "getFunCode", funCode); }
-    Arx::LispArgs getArgs() override { return (calls << "getArgs", args); }
-    // Nil is returned while the module's resource handle is still pushed.
-    void retVoid() override
-    {
-        calls << QStringLiteral("retVoid@%1").arg(m_services.resourceDepth());
-    }
+    // The arguments are read before the module's resource handle is pushed, and nil is
+    // returned while it is still pushed.
+    Arx::LispArgs getArgs() override { return (calls << withDepth("getArgs"), args); }
+    void retVoid() override { calls << withDepth("retVoid"); }
 
 private:
+    QString withDepth(const char* call) const
+    {
+        return QStringLiteral("%1@%2").arg(QLatin1String(call)).arg(m_services.resourceDepth());
+    }
     int note(const char* call, const QString& name, int index)
     {
         calls << QStringLiteral("%1 %2 %3").arg(QLatin1String(call), name).arg(index);
@@ -114,7 +116,7 @@ void TestLaunch::invocation_data()
     QTest::addColumn<QStringList>("runs");
     QTest::addColumn<QStringList>("calls");
 
-    const QStringList ran{"getFunCode", "getArgs", "retVoid@1"};
+    const QStringList ran{"getFunCode", "getArgs@0", "retVoid@1"};
     const QList<Arx::LispArg> none;
     // Hidden catalogs are never offered from AutoLISP: the show-hidden flag is always 0.
     // clang-format off
@@ -129,7 +131,7 @@ void TestLaunch::invocation_data()
     QTest::newRow("negative code") << none << -1 << false << QStringList{}
         << QStringList{"getFunCode"};
     QTest::newRow("dialog throws") << none << 0 << true << QStringList{"|0|1"}
-        << QStringList{"getFunCode", "getArgs"};
+        << QStringList{"getFunCode", "getArgs@0"};
     // clang-format on
 }
 
