@@ -15,8 +15,6 @@ class CCatalog;
 class ICatalogItemFactory
 {
 public:
-    virtual ~ICatalogItemFactory() = default;
-
     // Deep copy of `source` with a new GUID, no parent and no sub-items; empty on null.
     virtual boost::shared_ptr<CCatalogItem> CreateItemFrom(CCatalogItem* source) = 0;
     // New item from the template's definition, with a new GUID; empty when the template
@@ -33,6 +31,9 @@ public:
     virtual QString GetNewItemName(CCatalogItemTemplate* tmpl) = 0;
     virtual QString GetGroupIconName(int depthLevel, int opened) = 0;
     virtual QString GetItemIconName(int isDefault) = 0;
+
+    // Last, so that it does not take the first vtable slots ahead of CreateItemFrom.
+    virtual ~ICatalogItemFactory() = default;
 };
 
 // The factory every catalog gets unless told otherwise.

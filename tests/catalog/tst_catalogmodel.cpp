@@ -12,6 +12,31 @@
 using namespace ZEVGis::Data;
 using namespace CatalogTest;
 
+namespace
+{
+
+// The vtable slot of a virtual operation, or -1 where the compiler's ABI is not known here.
+// In the Itanium C++ ABI a pointer to a virtual member holds 1 + its byte offset.
+template <typename Member>
+int vtableSlot(Member member)
+{
+#if defined(__GNUC__) && !defined(_WIN32)
+    struct
+    {
+        std::ptrdiff_t pointer;
+        std::ptrdiff_t adjustment;
+    } raw;
+    static_assert(sizeof(member) == sizeof(raw));
+    std::memcpy(&raw, &member, sizeof raw);
+    return (raw.pointer & 1) ? int((raw.pointer - 1) / std::ptrdiff_t(sizeof(void*))) : -1;
+#else
+    Q_UNUSED(member);
+    return -1;
+#endif
+}
+
+} // namespace
+
 class TestCatalogModel : public QObject
 {
     Q_OBJECT
@@ -323,6 +348,30 @@ private slots:
         QCOMPARE(factory->GetItemIconName(1), QStringLiteral("IDI_DOC_STARRED"));
         catalog.SetReference(QStringLiteral("CABLES"));
         QCOMPARE(factory->GetCatalogReference(), QStringLiteral("CABLES"));
+    }
+
+    // Other modules reach the factory's operations by their place in the vtable.
+    void factorySlots_data()
+    {
+        QTest::addColumn<int>("slot");
+        QTest::addColumn<int>("expected");
+        using F = ICatalogItemFactory;
+        QTest::newRow("first: CreateItemFrom") << vtableSlot(&F::CreateItemFrom) << 0;
+        QTest::newRow("second: CreateItemFromTemplate") << vtableSlot(&F::CreateItemFromTemplate) << 1;
+        QTest::newRow("fifth: CreatePictureBitmap") << vtableSlot(&F::CreatePictureBitmap) << 4;
+        QTest::newRow("sixth: GetNewGroupName") << vtableSlot(&F::GetNewGroupName) << 5;
+        QTest::newRow("seventh: GetNewItemName") << vtableSlot(&F::GetNewItemName) << 6;
+        QTest::newRow("eighth: GetGroupIconName") << vtableSlot(&F::GetGroupIconName) << 7;
+        QTest::newRow("ninth: GetItemIconName") << vtableSlot(&F::GetItemIconName) << 8;
+    }
+
+    void factorySlots()
+    {
+        QFETCH(int, slot);
+        QFETCH(int, expected);
+        if (slot < 0)
+            QSKIP("vtable layout unknown for this compiler");
+        QCOMPARE(slot, expected);
     }
 
     void pictures_data()
