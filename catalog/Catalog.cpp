@@ -137,10 +137,9 @@ int parseCatalog(CCatalog& catalog, const char* data, size_t size, bool forceUtf
                          CatalogXml::positionIn(data, size, root.offset_debug() > 0 ? root.offset_debug() - 1 : 0));
         return 0;
     }
-    const int format = root.attribute("format").as_int(1);
-    if (format > CatalogXml::FormatVersion) {
-        error = QStringLiteral("catalog format %1 is newer than this program reads (%2)")
-                    .arg(format).arg(CatalogXml::FormatVersion);
+    QString why;
+    if (!CatalogXml::readableFormat(root, why)) {
+        error = QStringLiteral("catalog %1").arg(why);
         return 0;
     }
     CatalogXml::ItemReader reader;

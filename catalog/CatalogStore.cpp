@@ -179,6 +179,10 @@ void CatalogStore::loadRegistry()
                   .arg(registryPath(), QString::fromUtf8(root ? root.name() : "")));
         return;
     }
+    if (!CatalogXml::readableFormat(root, why)) {
+        error(QStringLiteral("Catalog registry %1 cannot be used: registry %2").arg(registryPath(), why));
+        return;
+    }
 
     CatalogXml::ItemReader reader;
     reader.setText(bytes.constData(), size_t(bytes.size()));

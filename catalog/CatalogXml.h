@@ -97,6 +97,9 @@ private:
 bool parseDocument(pugi::xml_document& doc, const char* data, size_t size, bool forceUtf8,
                    QString& error);
 QString positionIn(const char* text, size_t size, ptrdiff_t offset);
+// False, with the reason, when the root's "format" attribute is not a version this program
+// reads (absent means 1): a later file is refused rather than misread.
+bool readableFormat(pugi::xml_node root, QString& why);
 
 // A small XML writer straight into UTF-8 bytes. QXmlStreamWriter needed ~6 s for a
 // 100,000-entry catalog here (README, "Catalog library benchmark"); this needs a tenth of a

@@ -164,6 +164,23 @@ QString positionIn(const char* text, size_t size, ptrdiff_t offset)
     return QStringLiteral("line %1, column %2").arg(line).arg(column);
 }
 
+bool readableFormat(pugi::xml_node root, QString& why)
+{
+    const pugi::xml_attribute attribute = root.attribute("format");
+    int format = 1;
+    if (attribute && (!toInt(attribute.value(), format) || format < 1)) {
+        why = QStringLiteral("format=\"%1\" is not a format version")
+                  .arg(QString::fromUtf8(attribute.value()));
+        return false;
+    }
+    if (format > FormatVersion) {
+        why = QStringLiteral("format %1 is newer than this program reads (%2)")
+                  .arg(format).arg(FormatVersion);
+        return false;
+    }
+    return true;
+}
+
 bool parseDocument(pugi::xml_document& doc, const char* data, size_t size, bool forceUtf8,
                    QString& error)
 {

@@ -268,6 +268,7 @@ private slots:
         QTest::newRow("catalog file unreadable") << "other.xml" << QByteArray("dir") << "cannot be read" << true;
         QTest::newRow("registry missing") << "registry.xml" << QByteArray("-") << "registry.xml cannot be read: the file does not exist" << false;
         QTest::newRow("registry garbage") << "registry.xml" << QByteArray("\x01\x02 garbage") << "registry.xml is broken" << false;
+        QTest::newRow("registry of a later format") << "registry.xml" << QByteArray("<registry format=\"2\"><catalog reference=\"TEST\" file=\"sub/test.xml\"/></registry>") << "registry.xml cannot be used: registry format 2 is newer" << false;
         QTest::newRow("registry not a registry") << "registry.xml" << QByteArray("<catalog ref=\"X\"/>") << "is not a registry" << false;
         QTest::newRow("store folder missing") << "" << QByteArray("-") << "the folder does not exist" << false;
     }

@@ -203,6 +203,8 @@ private slots:
         QTest::newRow("property without tag") << QStringLiteral("<catalog><i id=\"{1}\"><c n=\"A\"><p v=\"1\"/></c></i></catalog>") << "without a tag";
         QTest::newRow("parent cycle") << QStringLiteral("<catalog><i id=\"{1}\" p=\"{2}\"/><i id=\"{2}\" p=\"{1}\"/></catalog>") << "own ancestor";
         QTest::newRow("newer format") << QStringLiteral("<catalog format=\"99\"/>") << "newer";
+        QTest::newRow("format not a number") << QStringLiteral("<catalog format=\"2.0b\"/>") << "format=\"2.0b\" is not a format version";
+        QTest::newRow("format zero") << QStringLiteral("<catalog format=\"0\"/>") << "not a format version";
     }
 
     void notACatalog()
