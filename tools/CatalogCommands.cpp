@@ -3,6 +3,7 @@
 #include "catalog/CatalogManager.h"
 #include "xml/XmlDocument.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -94,7 +95,18 @@ int listRegistry(QTextStream& out, QTextStream& err)
             << padded(QString::number(templates.size()), 9) << "  " << flagsOf(*m) << '\n';
     }
     out.flush();
-    return problems ? 1 : 0;
+    // The catalogs are not loaded here, but an entry without its file is a broken store.
+    bool missing = false;
+    for (const auto& m : registry) {
+        const QString path = QDir(manager->RootFolder()).filePath(m->GetFileName());
+        if (!QFileInfo(path).isFile()) {
+            err << "zevxcatalog: catalog " << m->GetCatalogReference() << ": its file " << path
+                << " does not exist\n";
+            missing = true;
+        }
+    }
+    err.flush();
+    return problems || missing ? 1 : 0;
 }
 
 int showCatalog(const QString& reference, bool drawingCopy, QTextStream& out, QTextStream& err)
@@ -144,18 +156,26 @@ int validateFiles(const QStringList& files, QTextStream& out, QTextStream& err)
 {
     int result = 0;
     for (const QString& path : files) {
+        // A file that cannot be read is not called "not well formed": say why it cannot.
+        QFile file(path);
+        QString why;
+        if (!QFileInfo::exists(path))
+            why = QStringLiteral("the file does not exist");
+        else if (QFileInfo(path).isDir())
+            why = QStringLiteral("it is a folder, not a file");
+        else if (!file.open(QIODevice::ReadOnly))
+            why = file.errorString();
+        if (!why.isEmpty()) {
+            err << "zevxcatalog: " << path << " cannot be read: " << why << '\n';
+            result = 1;
+            continue;
+        }
         CXmlDocument document;
         const bool wellFormed = document.LoadFile(path);
         out << path << ": " << (wellFormed ? "well formed" : "not well formed") << '\n';
         if (!document.GetResult().isEmpty())
             out << "  result: " << document.GetResult() << '\n';
         if (!wellFormed) {
-            result = 1;
-            continue;
-        }
-        QFile file(path);
-        if (!file.open(QIODevice::ReadOnly)) {
-            err << "zevxcatalog: " << path << ": " << file.errorString() << '\n';
             result = 1;
             continue;
         }

@@ -70,7 +70,13 @@ void TestZevxCatalog::runs_data()
         << QStringList{"ROOT/junk.xml: not well formed\n  result: ",
                        "ROOT/registry.xml: well formed",
                        "not a catalog: the root element is <registry>",
-                       "catalog: POLES, 10 entries", "ROOT/missing.xml: not well formed"} << "";
+                       "catalog: POLES, 10 entries"}
+        << "ROOT/missing.xml cannot be read: the file does not exist";
+    QTest::newRow("registry entry without its file") << "registry.xml"
+        << QByteArray("<registry><catalog reference=\"GONE\" file=\"gone.xml\"/>"
+                      "<catalog reference=\"POLES\" file=\"poles.xml\"/></registry>")
+        << QStringList{"--catalogs", "ROOT", "list"} << 1 << QStringList{"GONE", "POLES"}
+        << "catalog GONE: its file ROOT/gone.xml does not exist";
     QTest::newRow("no command") << "" << none << QStringList{"--catalogs", "ROOT"} << 2
         << QStringList{} << "Usage:";
     QTest::newRow("unknown option") << "" << none << QStringList{"--colour", "list"} << 2
