@@ -6,6 +6,7 @@
 #include "catalog/CatalogItem.h"
 #include "catalog/CatalogManager.h"
 #include "catalog/ModuleConfiguration.h"
+#include "controls/ZEVBitmapButton.h"
 #include "editor/CatalogEditorIds.h"
 #include "editor/CatalogEdits.h"
 #include "host/HostServices.h"
@@ -23,6 +24,13 @@ namespace Ids = ZEVGis::Editor::Ids;
 namespace
 {
 constexpr unsigned MsgConfirmDelete = 50005;
+
+bool IsEnterKey(const QKeyEvent& event)
+{
+    const auto modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    return modifiers == Qt::NoModifier &&
+           (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter);
+}
 } // namespace
 
 void CCatalogEditorDlg::ConnectControls()
@@ -116,11 +124,15 @@ bool CCatalogEditorDlg::HandleTreeKey(QObject*, QKeyEvent* key)
     case Qt::Key_F2:
         BeginLabelEdit();
         return true;
+    // Insert and Delete do what their buttons do, and only while those are enabled: a
+    // catalog closed to new entries stays closed to the keyboard too.
     case Qt::Key_Insert:
-        OnBnClickedBtnNew();
+        if (Button(Ids::BtnNew)->isEnabled())
+            OnBnClickedBtnNew();
         return true;
     case Qt::Key_Delete:
-        OnBnClickedBtnDel();
+        if (Button(Ids::BtnDelete)->isEnabled())
+            OnBnClickedBtnDel();
         return true;
     default:
         return false;
@@ -137,6 +149,17 @@ void CCatalogEditorDlg::keyPressEvent(QKeyEvent* event)
         if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape ||
             key == Qt::Key_Delete || (event->modifiers() & Qt::ControlModifier))
         {
+            event->accept();
+            return;
+        }
+    }
+    // A focused bitmap button takes Enter as a click, as the dialog's other buttons do; the
+    // key must not fall through to the default button and close the dialog.
+    if (IsEnterKey(*event))
+    {
+        if (auto* button = qobject_cast<Utility::CZEVBitmapButton*>(focusWidget()))
+        {
+            button->click();
             event->accept();
             return;
         }

@@ -89,6 +89,7 @@ bool CCatalogEditorDlg::OnInitDialog()
     SetUpResizing();
     LoadIcons();
     LoadTexts();
+    SetTabOrder();
 
     FillCatalogCombo();
     if (m_catalogCombo->count() == 0)
@@ -154,6 +155,8 @@ void CCatalogEditorDlg::SaveCatalogShownBefore()
 
 void CCatalogEditorDlg::OnCbnSelchangeComboCatalog()
 {
+    // Saving the catalog shown before and loading the next one may take a while.
+    const Host::WaitCursor wait;
     ClearPicture();
     SaveCatalogShownBefore();
     m_templates.clear();

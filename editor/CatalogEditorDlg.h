@@ -121,6 +121,7 @@ private:
     void SetUpResizing();
     void LoadIcons();
     void LoadTexts();
+    void SetTabOrder();
     void OnSplitterMoved(int delta);
 
     // Start-up and catalog choice (CatalogEditorDlg.cpp)

@@ -152,6 +152,32 @@ void CCatalogEditorDlg::PlaceControls()
         combo->setMaximumHeight(combo->height());
 }
 
+void CCatalogEditorDlg::SetTabOrder()
+{
+    // Down the left column, then the grid and the closing buttons; the grid is made at
+    // start-up and would otherwise come last of all.
+    static constexpr int order[] = {
+        Ids::CatalogCombo, Ids::DrawingTree, Ids::BtnAddToApp, Ids::CatalogTree,
+        Ids::BtnAddGroup,  Ids::BtnNewItems, Ids::BtnDelete,   Ids::BtnUp,
+        Ids::BtnDown,      Ids::BtnSetDefault, Ids::BtnSort,   Ids::BtnImport,
+        Ids::BtnExport,    Ids::TemplateCombo, Ids::BtnNew,    Ids::BtnInfo,
+        Ids::Grid,         Ids::Ok,          Ids::Cancel};
+    QWidget* previous = nullptr;
+    for (int id : order)
+    {
+        QWidget* control = findControlById(this, id);
+        // A compound control (the grid) takes the focus through its proxy; Qt ignores a tab
+        // order given for a widget that takes no focus itself.
+        while (control && control->focusProxy())
+            control = control->focusProxy();
+        if (!control)
+            continue;
+        if (previous)
+            setTabOrder(previous, control);
+        previous = control;
+    }
+}
+
 void CCatalogEditorDlg::CreateSplitter()
 {
     QWidget* placeholder = findControlById(this, Ids::Splitter);

@@ -156,6 +156,9 @@ private slots:
     void gridEditReachesItemAndNameRenamesRow();
     void labelEditing_data();
     void labelEditing();
+    void keysFollowButtons_data();
+    void keysFollowButtons();
+    void tabOrderFollowsLayout();
     void setDefaultMarksRows();
     void endings_data();
     void endings();
@@ -229,6 +232,8 @@ void TestCatalogEditorDlg::writeDefaultStore()
     cables.templates = {boost::make_shared<CCatalogItemTemplate>("Retired", -1, nullptr), tmpl};
     auto locked = entry("LOCKED", "Locked", smallCatalog("LOCKED", "Fixed"));
     locked.disableNewItems = 1;
+    locked.templates = {boost::make_shared<CCatalogItemTemplate>(
+        "Fixed", 1, smallCatalog("LOCKED", "Fixed")->GetItembyGuid("{I-LOCKED}"))};
     writeStore({cables, entry("POLES", "Poles", smallCatalog("POLES", "Wood")), locked});
 }
 
@@ -567,6 +572,74 @@ void TestCatalogEditorDlg::labelEditing()
     QVERIFY(!widget->isEditingLabel());
 }
 
+void TestCatalogEditorDlg::keysFollowButtons_data()
+{
+    QTest::addColumn<QString>("catalog");
+    QTest::addColumn<QString>("path");     // selected row of the catalog tree
+    QTest::addColumn<int>("focus");        // control that has the focus
+    QTest::addColumn<int>("key");
+    QTest::addColumn<bool>("open");        // the dialog is still open afterwards
+    QTest::addColumn<QString>("children"); // of the selected row's parent, afterwards
+
+    const int lower = Ids::CatalogTree;
+    QTest::newRow("Delete in a catalog without new items") << "LOCKED" << "Fixed/Fixed item" << lower << int(Qt::Key_Delete) << true << "Fixed item";
+    QTest::newRow("Insert in a catalog without new items") << "LOCKED" << "Fixed/Fixed item" << lower << int(Qt::Key_Insert) << true << "Fixed item";
+    QTest::newRow("Enter on a focused button clicks it") << "CABLES" << "Low voltage/Cable 4x16" << int(Ids::BtnDown) << int(Qt::Key_Return) << true << "Cable 4x25, Cable 4x16";
+    QTest::newRow("keypad Enter on a focused button") << "CABLES" << "Low voltage/Cable 4x25" << int(Ids::BtnUp) << int(Qt::Key_Enter) << true << "Cable 4x25, Cable 4x16";
+    QTest::newRow("Enter on the tree is OK") << "CABLES" << "Low voltage/Cable 4x16" << lower << int(Qt::Key_Return) << false << "Cable 4x16, Cable 4x25";
+}
+
+// Keys reach a command only where its button does; Enter on a focused button is that button's.
+void TestCatalogEditorDlg::keysFollowButtons()
+{
+    QFETCH(QString, catalog);
+    QFETCH(QString, path);
+    QFETCH(int, focus);
+    QFETCH(int, key);
+    QFETCH(bool, open);
+    QFETCH(QString, children);
+
+    writeDefaultStore();
+    auto dlg = openDialog(catalog);
+    focusAndSelect(*dlg, Ids::CatalogTree, path);
+    auto* focused = findControl<QWidget>(dlg.get(), focus);
+    focused->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(focused, Qt::Key(key));
+
+    QCOMPARE(dlg->isVisible(), open);
+    QVERIFY(m_host.questions().isEmpty());
+    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    QCOMPARE(childTexts(rowAt(lower, path.section('/', 0, -2))).join(", "), children);
+    const int elements = catalog == "LOCKED" ? 2 : 8;
+    QCOMPARE(int(CCatalogManager::Instance()->GetCatalog(catalog, 1)->GetAllElementsMap()->size()), elements);
+}
+
+void TestCatalogEditorDlg::tabOrderFollowsLayout()
+{
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    // The controls Tab visits, by id, starting at the catalog combo.
+    QWidget* first = findControlById(dlg.get(), Ids::CatalogCombo);
+    QList<int> visited;
+    QWidget* next = first;
+    do
+    {
+        if ((next->focusPolicy() & Qt::TabFocus) && next->isVisibleTo(dlg.get()))
+        {
+            QWidget* owner = next;
+            while (owner && owner != dlg.get() && controlId(owner) < 0)
+                owner = owner->parentWidget();
+            const int id = controlId(owner);
+            if (id > 0 && (visited.isEmpty() || visited.last() != id))
+                visited << id;
+        }
+        next = next->nextInFocusChain();
+    } while (next != first && visited.size() < 100);
+    const QList<int> expected{104, 103, 116, 114, 107, 110, 108, 119, 118, 123, 120, 121,
+                              122, 109, 105, 111, 1000, 1, 2};
+    QCOMPARE(visited, expected);
+}
+
 void TestCatalogEditorDlg::setDefaultMarksRows()
 {
     writeDefaultStore();
@@ -593,6 +666,7 @@ void TestCatalogEditorDlg::endings_data()
     QTest::newRow("switching catalogs saves, unasked") << "switch" << true;
     QTest::newRow("Cancel reloads") << "cancel" << false;
     QTest::newRow("close box reloads") << "close" << false;
+    QTest::newRow("close box while a label is edited") << "close editing" << false;
     QTest::newRow("Escape reloads") << "escape" << false;
 }
 
@@ -612,11 +686,17 @@ void TestCatalogEditorDlg::endings()
         findControl<QComboBox>(dlg.get(), Ids::CatalogCombo)->setCurrentIndex(1);
     else if (how == "cancel")
         findControl<QAbstractButton>(dlg.get(), Ids::Cancel)->click();
-    else if (how == "close")
+    else if (how.startsWith("close"))
+    {
+        auto* tree = findControl<CatalogTreeWidget>(dlg.get(), Ids::CatalogTree);
+        if (how == "close editing")
+            QVERIFY(tree->beginLabelEdit(tree->currentItem()));
         dlg->close();
+    }
     else
         QTest::keyClick(findControl<QWidget>(dlg.get(), Ids::CatalogTree), Qt::Key_Escape);
     QCOMPARE(dlg->isVisible(), how == "switch");
+    QCoreApplication::processEvents(); // a label editor closed with the rows is gone now
     if (how != "switch")
         QCOMPARE(dlg->result(), int(how == "ok" ? QDialog::Accepted : QDialog::Rejected));
     QVERIFY(m_host.questions().isEmpty());
