@@ -108,7 +108,12 @@ QString CatalogStore::catalogPath(const CCatalogMetadata& metadata) const
 
 QString CatalogStore::drawingCopyPath(const CCatalogMetadata& metadata) const
 {
-    return m_drawingPath + QStringLiteral(".catalogs/") + QFileInfo(metadata.fileName).fileName();
+    // The catalog file's path within the store, so that "lv/cables.xml" and "mv/cables.xml"
+    // get copies of their own; a file outside the store goes by its name alone.
+    QString relative = QDir(m_root).relativeFilePath(catalogPath(metadata));
+    if (relative == u".." || relative.startsWith(QStringLiteral("../")) || QDir::isAbsolutePath(relative))
+        relative = QFileInfo(metadata.fileName).fileName();
+    return m_drawingPath + QStringLiteral(".catalogs/") + relative;
 }
 
 void CatalogStore::error(const QString& message)

@@ -198,7 +198,7 @@ private slots:
 
         add(*copy, QStringLiteral("{D1}"), QStringLiteral("Samo u crtežu"), false);
         QVERIFY(manager()->Save(QStringLiteral("TEST"), 1, 1));
-        const QString copyPath = store.drawing() + QStringLiteral(".catalogs/test.xml");
+        const QString copyPath = store.drawing() + QStringLiteral(".catalogs/sub/test.xml");
         QVERIFY(QFileInfo::exists(copyPath));
         manager()->ReloadCatalog(QStringLiteral("test"));
         auto again = manager()->GetCatalog(QStringLiteral("TEST"), 0);
@@ -210,6 +210,38 @@ private slots:
         manager()->Configure(store.dir.path(), store.path(QStringLiteral("drugi.dwg")));
         QVERIFY(manager()->GetCatalog(QStringLiteral("TEST"), 0)->GetAllElementsMap()->empty());
         QCOMPARE(manager()->DrawingPath(), store.path(QStringLiteral("drugi.dwg")));
+    }
+
+    void drawingCopiesOfEqualFileNamesKeepApart()
+    {
+        QTemporaryDir dir;
+        QTemporaryDir outside;
+        std::vector<RegistryEntry> entries(3);
+        const QStringList files{QStringLiteral("nn/kabeli.xml"), QStringLiteral("sn/kabeli.xml"),
+                                outside.filePath(QStringLiteral("kabeli.xml"))};
+        for (int i = 0; i < 3; ++i) {
+            entries[i].metadata.reference = QStringLiteral("K%1").arg(i);
+            entries[i].metadata.fileName = files[i];
+            entries[i].metadata.maintainDocumentSpecificVersion = 1;
+            CCatalog catalog;
+            QVERIFY(writeAll(QDir(dir.path()).filePath(files[i]), catalog.GetXMLBytes()));
+        }
+        QVERIFY(writeAll(dir.filePath(QStringLiteral("registry.xml")), writeRegistry(entries)));
+        const QString drawing = dir.filePath(QStringLiteral("crtež.dwg"));
+        manager()->Configure(dir.path(), drawing);
+        for (int i = 0; i < 3; ++i) {
+            add(*manager()->GetCatalog(entries[i].metadata.reference, 0), QStringLiteral("{%1}").arg(i), QStringLiteral("x"), false);
+            QVERIFY(manager()->Save(entries[i].metadata.reference, 1, 1));
+        }
+        QVERIFY(QFileInfo::exists(drawing + QStringLiteral(".catalogs/sn/kabeli.xml")));
+        QVERIFY(QFileInfo::exists(drawing + QStringLiteral(".catalogs/kabeli.xml"))); // outside the store
+        manager()->Configure(dir.path(), drawing);
+        for (int i = 0; i < 3; ++i) {
+            auto copy = manager()->GetCatalog(entries[i].metadata.reference, 0);
+            QCOMPARE(copy->GetAllElementsMap()->size(), size_t(1));
+            QVERIFY(copy->GetItembyGuid(QStringLiteral("{%1}").arg(i)));
+        }
+        QVERIFY(manager()->TakeErrors().isEmpty());
     }
 
     void catalogReadAheadReportsWhenAskedFor()
