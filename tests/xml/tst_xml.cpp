@@ -100,6 +100,10 @@ void TestXmlDocument::verdicts_data()
     row("pi only", "<?xml version=\"1.0\"?>", 0, false, "No root element");
     row("end tag only", "</a>", 0, false, "No root element");
     row("bad tag only", "<1a/>", 0, false, "No root element");
+    // With one root, errors outside it still decide the verdict and the message.
+    row("error before root", "<!x><r/>", 0, false, "Incorrect ! tag at offset 0");
+    row("stray end tag after root", "<r/></x>", 0, false,
+        "No start tag for end tag 'x' at offset 4");
     row("empty element", "<a/>", 0, true, "");
     row("full document",
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!-- c -->\n"
@@ -152,6 +156,8 @@ void TestXmlDocument::verdicts_data()
     row("empty with space", "<a />", 0, true, "");
     row("empty after quote", "<a x='1'/>", 0, true, "");
     row("unquoted value before /", "<a x=1/>", 0, false, "Element 'a' at offset 0 not ended");
+    row("tab, line feed and carriage return end names",
+        "<Property\ttag=\"R20\"\nvalue=\"1\"><b\r/></Property\r\n>", 0, true, "");
 
     // Tags longer than the scanner's 16-character blocks
     row("long tag, > in values",
@@ -244,6 +250,9 @@ void TestXmlDocument::index_data()
         << QStringLiteral("<r><b><!x></r>")
         << QStringList{"0 14 0/0 L0 I p0 c1 n0 v0", "0 14 3/4 L0 FE p0 c2 n0 v1",
                        "3 3 3/0 L1 FU p1 c0 n0 v2"};
+    QTest::newRow("error at document level")
+        << QStringLiteral("<!x><r/>")
+        << QStringList{"0 8 0/0 L0 EI p0 c1 n0 v0", "4 4 4/0 L0 F p0 c0 n0 v1"};
     QTest::newRow("stray end tag marks parent")
         << QStringLiteral("<r></x></r>")
         << QStringList{"0 11 0/0 L0 I p0 c1 n0 v0", "0 11 3/4 L0 FE p0 c0 n0 v1"};
@@ -323,35 +332,42 @@ void TestXmlDocument::reserveStopsAtNextSegment()
 void TestXmlDocument::loadFile_data()
 {
     QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<unsigned>("flags");
     QTest::addColumn<bool>("wellFormed");
     QTest::addColumn<QString>("result");
     QTest::addColumn<QString>("text");
+    auto row = [](const char* name, const QByteArray& bytes, unsigned flags, bool ok,
+                  const char* result, const QString& text)
+    { QTest::newRow(name) << bytes << flags << ok << QString::fromUtf8(result) << text; };
 
-    QTest::newRow("empty") << QByteArray() << false << "0 bytes to 0 wide chars, Empty document"
-                           << QString();
-    QTest::newRow("byte-order mark kept")
-        << QByteArray("\xEF\xBB\xBF<r>\xC3\xA9</r>") << true << "12 bytes to 9 wide chars"
-        << QStringLiteral("\uFEFF<r>\u00E9</r>");
-    QTest::newRow("non-BMP") << QByteArray("<r a=\"\xF0\x9D\x84\x9E\">\xF0\x9D\x84\x9E</r>") << true
-                             << "20 bytes to 16 wide chars"
-                             << QStringLiteral("<r a=\"\U0001D11E\">\U0001D11E</r>");
-    QTest::newRow("non-BMP offsets") << QByteArray("<r>\xF0\x9D\x84\x9E<b></r>") << false
-                                     << "14 bytes to 12 wide chars, End tag 'r' at offset 9 does "
-                                        "not match start tag 'b' at offset 5"
-                                     << QStringLiteral("<r>\U0001D11E<b></r>");
-    QTest::newRow("invalid UTF-8") << QByteArray("<r>\xFF</r>") << true << "8 bytes to 8 wide chars"
-                                   << QStringLiteral("<r>\uFFFD</r>");
-    QTest::newRow("truncated sequence at end")
-        << QByteArray("<r/>\xC3") << true << "5 bytes to 5 wide chars"
-        << QStringLiteral("<r/>\uFFFD");
-    QTest::newRow("no root") << QByteArray("<!-- -->") << false
-                             << "8 bytes to 8 wide chars, No root element"
-                             << QStringLiteral("<!-- -->");
+    row("empty", QByteArray(), 0, false, "0 bytes to 0 wide chars, Empty document", QString());
+    row("byte-order mark kept", "\xEF\xBB\xBF<r>\xC3\xA9</r>", 0, true, "12 bytes to 9 wide chars",
+        QStringLiteral("\uFEFF<r>\u00E9</r>"));
+    row("non-BMP", "<r a=\"\xF0\x9D\x84\x9E\">\xF0\x9D\x84\x9E</r>", 0, true,
+        "20 bytes to 16 wide chars", QStringLiteral("<r a=\"\U0001D11E\">\U0001D11E</r>"));
+    row("non-BMP offsets", "<r>\xF0\x9D\x84\x9E<b></r>", 0, false,
+        "14 bytes to 12 wide chars, End tag 'r' at offset 9 does not match start tag 'b' at "
+        "offset 5",
+        QStringLiteral("<r>\U0001D11E<b></r>"));
+    // The file is read in blocks; 600 KB of 10-byte groups cut 2-, 3- and 4-byte sequences.
+    const QByteArray group("\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E\x61");
+    row("sequences across read blocks", "<r>" + group.repeated(60000) + "</r>", 0, true,
+        "600007 bytes to 300007 wide chars",
+        "<r>" + QStringLiteral("\u00E9\u20AC\U0001D11Ea").repeated(60000) + "</r>");
+    row("invalid UTF-8", "<r>\xFF</r>", 0, true, "8 bytes to 8 wide chars",
+        QStringLiteral("<r>\uFFFD</r>"));
+    row("truncated sequence at end", "<r/>\xC3", 0, true, "5 bytes to 5 wide chars",
+        QStringLiteral("<r/>\uFFFD"));
+    row("no root", "<!-- -->", 0, false, "8 bytes to 8 wide chars, No root element",
+        QStringLiteral("<!-- -->"));
+    row("parse flags kept", "<A></a>", CXmlDocument::IgnoreCase, true, "7 bytes to 7 wide chars",
+        QStringLiteral("<A></a>"));
 }
 
 void TestXmlDocument::loadFile()
 {
     QFETCH(QByteArray, bytes);
+    QFETCH(unsigned, flags);
     QFETCH(bool, wellFormed);
     QFETCH(QString, result);
     QFETCH(QString, text);
@@ -364,9 +380,11 @@ void TestXmlDocument::loadFile()
     file.close();
 
     CXmlDocument doc;
+    doc.SetDocFlags(flags);
     QCOMPARE(doc.LoadFile(path), wellFormed);
     QCOMPARE(doc.GetResult(), result);
     QCOMPARE(doc.GetDocumentText(), text);
+    QCOMPARE(doc.GetDocFlags(), flags);
 }
 
 void TestXmlDocument::loadFileFailureKeepsText_data()
