@@ -1,150 +1,31 @@
 // The editor dialog driven offscreen through its controls, on catalog stores written to a
-// temporary folder, with the scripted host answering and recording.
+// temporary folder, with the scripted host answering and recording: start-up, the trees, the
+// grid and picture, keys and the ways the dialog ends.
 #include "catalog/CatalogManager.h"
-#include "catalog/ModuleConfiguration.h"
 #include "controls/PictureBox.h"
 #include "controls/PropertyGridModel.h"
 #include "controls/PropertyGridWidget.h"
 #include "controls/SplitterControl.h"
-#include "editor/CatalogEditorDlg.h"
 #include "editor/CatalogEditorIds.h"
-#include "host/ScriptedHost.h"
-#include "tests/editor/CatalogBuilder.h"
-#include "tests/editor/EditorTestStore.h"
+#include "tests/editor/EditorDialogFixture.h"
 #include "tests/support/FindControl.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QLineEdit>
-#include <QMenu>
-#include <QTemporaryDir>
 #include <QtTest>
 #include <boost/make_shared.hpp>
-#include <memory>
 
 using namespace ZEVGis;
 using namespace ZEVGis::Data;
-using ZEVGis::Editor::CatalogTreeRowItem;
 using ZEVGis::Editor::CatalogTreeWidget;
 namespace Ids = ZEVGis::Editor::Ids;
 
-namespace
-{
-
-// Cables: root map order (by GUID) is Low voltage, Medium voltage, Loose item; order
-// numbers put them the other way round.
-//   Low voltage (ord 2)      { Cable 4x16 (default, CABLE_LV), Cable 4x25 (CABLE_LV) }
-//   Medium voltage (ord 1)   { Copper { Cu 95 (CABLE_MV) }, Aluminium {} }
-//   Loose item (ord 0)
-boost::shared_ptr<CCatalog> cablesCatalog()
-{
-    CatalogBuilder b;
-    b.catalog().SetReference("CABLES");
-    auto lv = b.group("Low voltage", {}, 2, "{A-LV}");
-    auto c16 = b.item("Cable 4x16", lv, 0, "{A-16}");
-    auto c25 = b.item("Cable 4x25", lv, 1, "{A-25}");
-    auto mv = b.group("Medium voltage", {}, 1, "{B-MV}");
-    auto copper = b.group("Copper", mv, 0, "{B-CU}");
-    auto cu95 = b.item("Cu 95", copper, 0, "{B-95}");
-    b.group("Aluminium", mv, 1, "{B-AL}");
-    auto loose = b.item("Loose item", {}, 0, "{C-LOOSE}");
-    CatalogBuilder::setProperties(c16, {{"CATALOGITEM_NAME", "Cable 4x16"},
-                                        {"LSEQUIP_TYPE", "CABLE_LV"},
-                                        {"CROSS_SECTION", "16"}});
-    CatalogBuilder::setProperties(c25, {{"CATALOGITEM_NAME", "Cable 4x25"},
-                                        {"LSEQUIP_TYPE", "CABLE_LV"},
-                                        {"CROSS_SECTION", "25"}});
-    CatalogBuilder::setProperties(cu95, {{"CATALOGITEM_NAME", "Cu 95"}, {"LSEQUIP_TYPE", "CABLE_MV"}});
-    CatalogBuilder::setProperties(loose, {{"CATALOGITEM_NAME", "Loose item"}});
-    c16->SetIsDefault(1);
-    return b.shared();
-}
-
-boost::shared_ptr<CCatalog> smallCatalog(const QString& reference, const QString& groupName)
-{
-    CatalogBuilder b;
-    b.catalog().SetReference(reference);
-    auto group = b.group(groupName, {}, 0, "{G-" + reference + "}");
-    auto item = b.item(groupName + " item", group, 0, "{I-" + reference + "}");
-    CatalogBuilder::setProperties(item, {{"CATALOGITEM_NAME", groupName + " item"}});
-    return b.shared();
-}
-
-EditorTestStore::Entry entry(const QString& reference, const QString& name,
-                             boost::shared_ptr<CCatalog> catalog, int hidden = 0)
-{
-    EditorTestStore::Entry e;
-    e.reference = reference;
-    e.nameUI = name;
-    e.hidden = hidden;
-    e.catalog = catalog;
-    return e;
-}
-
-QTreeWidgetItem* rowAt(QTreeWidget* tree, const QString& path)
-{
-    QTreeWidgetItem* row = tree->topLevelItem(0);
-    if (path.isEmpty())
-        return row;
-    for (const QString& name : path.split('/'))
-    {
-        QTreeWidgetItem* next = nullptr;
-        for (int i = 0; row && i < row->childCount() && !next; ++i)
-            if (row->child(i)->text(0) == name)
-                next = row->child(i);
-        row = next;
-    }
-    return row;
-}
-
-QStringList childTexts(QTreeWidgetItem* row)
-{
-    QStringList texts;
-    for (int i = 0; row && i < row->childCount(); ++i)
-        texts << row->child(i)->text(0);
-    return texts;
-}
-
-// Paths of the rows below `row` whose text starts with `prefix`.
-QStringList pathsOf(QTreeWidgetItem* row, const QString& prefix, const QString& path = QString())
-{
-    QStringList found;
-    for (int i = 0; row && i < row->childCount(); ++i)
-    {
-        const QString childPath = path.isEmpty() ? row->child(i)->text(0) : path + '/' + row->child(i)->text(0);
-        if (row->child(i)->text(0).startsWith(prefix))
-            found << childPath;
-        found << pathsOf(row->child(i), prefix, childPath);
-    }
-    return found;
-}
-
-// Where a row is shown in the tree's viewport (its parents opened first).
-QPoint centreOf(QTreeWidget* tree, QTreeWidgetItem* row)
-{
-    for (QTreeWidgetItem* up = row ? row->parent() : nullptr; up; up = up->parent())
-        up->setExpanded(true);
-    return tree->visualItemRect(row).center();
-}
-
-int imageOf(QTreeWidgetItem* row)
-{
-    return row && row->type() == CatalogTreeRowItem::RowType
-               ? static_cast<CatalogTreeRowItem*>(row)->imageIndex()
-               : -1;
-}
-
-} // namespace
-
-class TestCatalogEditorDlg : public QObject
+class TestCatalogEditorDlg : public EditorDialogFixture
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-
     void startUp_data();
     void startUp();
     void controlsCarryTheirIdsAndTexts();
@@ -162,116 +43,12 @@ private slots:
     void setDefaultMarksRows();
     void endings_data();
     void endings();
-    void deleteAsksAndRemoves_data();
-    void deleteAsksAndRemoves();
     void testButtonTogglesReadOnlyInOrder();
     void ctrlNewUpgradesCurrentItem();
     void picturesFollowSelection();
     void infoPreviewsTemplatePicture_data();
     void infoPreviewsTemplatePicture();
-    void newEntries_data();
-    void newEntries();
-    void ordering_data();
-    void ordering();
-    void dragAndDrop_data();
-    void dragAndDrop();
-    void contextMenu_data();
-    void contextMenu();
-    void addToApplicationRefillsCatalogTree();
-
-private:
-    void writeStore(const std::vector<EditorTestStore::Entry>& entries);
-    void writeDefaultStore();
-    std::unique_ptr<CCatalogEditorDlg> openDialog(const QString& reference = QString(),
-                                                   int showHidden = 0);
-    void focusAndSelect(CCatalogEditorDlg& dlg, int treeId, const QString& path);
-    QStringList enabledEditButtons(CCatalogEditorDlg& dlg) const;
-
-    Host::ScriptedHost m_host;
-    std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<EditorTestStore> m_store;
 };
-
-void TestCatalogEditorDlg::initTestCase()
-{
-    QStandardPaths::setTestModeEnabled(true);
-    Host::HostServices::install(&m_host);
-}
-
-void TestCatalogEditorDlg::init()
-{
-    // Popup menus cannot grab the keyboard offscreen; that alone is no fault.
-    QTest::failOnWarning(QRegularExpression("^(?!This plugin does not support).*"));
-    m_host.clear();
-    m_host.setCtrlPressed(false);
-    m_dir = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_dir->isValid());
-    m_store = std::make_unique<EditorTestStore>(m_dir->path());
-}
-
-void TestCatalogEditorDlg::cleanup()
-{
-    m_store.reset();
-    m_dir.reset();
-}
-
-void TestCatalogEditorDlg::writeStore(const std::vector<EditorTestStore::Entry>& entries)
-{
-    for (const auto& e : entries)
-        m_store->add(e);
-    QVERIFY(m_store->write());
-}
-
-void TestCatalogEditorDlg::writeDefaultStore()
-{
-    auto cables = entry("CABLES", "Cables", cablesCatalog());
-    cables.drawingVersion = 1;
-    cables.allowDefault = 1;
-    cables.maxDepth = 2;
-    auto tmpl = boost::make_shared<CCatalogItemTemplate>("Cable", 1, cablesCatalog()->GetItembyGuid("{A-25}"));
-    cables.templates = {boost::make_shared<CCatalogItemTemplate>("Retired", -1, nullptr), tmpl};
-    auto locked = entry("LOCKED", "Locked", smallCatalog("LOCKED", "Fixed"));
-    locked.disableNewItems = 1;
-    locked.templates = {boost::make_shared<CCatalogItemTemplate>(
-        "Fixed", 1, smallCatalog("LOCKED", "Fixed")->GetItembyGuid("{I-LOCKED}"))};
-    writeStore({cables, entry("POLES", "Poles", smallCatalog("POLES", "Wood")), locked});
-}
-
-std::unique_ptr<CCatalogEditorDlg> TestCatalogEditorDlg::openDialog(const QString& reference,
-                                                                     int showHidden)
-{
-    auto dlg = std::make_unique<CCatalogEditorDlg>();
-    dlg->SetCatalogReference(reference);
-    dlg->SetShowHiddenCatalogs(showHidden);
-    dlg->show();
-    dlg->activateWindow();
-    if (!QTest::qWaitForWindowActive(dlg.get()))
-        qWarning("the dialog did not become active");
-    return dlg;
-}
-
-void TestCatalogEditorDlg::focusAndSelect(CCatalogEditorDlg& dlg, int treeId, const QString& path)
-{
-    auto* tree = findControl<QTreeWidget>(&dlg, treeId);
-    QVERIFY(tree);
-    tree->setFocus(Qt::MouseFocusReason);
-    QTreeWidgetItem* row = rowAt(tree, path);
-    QVERIFY2(row, qPrintable(path));
-    tree->setCurrentItem(row);
-}
-
-QStringList TestCatalogEditorDlg::enabledEditButtons(CCatalogEditorDlg& dlg) const
-{
-    QStringList on;
-    for (int id : {Ids::BtnAddGroup, Ids::BtnDelete, Ids::BtnNew, Ids::BtnNewItems, Ids::BtnUp,
-                   Ids::BtnDown, Ids::BtnSort, Ids::BtnSetDefault})
-    {
-        auto* button = findControl<QAbstractButton>(&dlg, id);
-        if (button && button->isEnabled())
-            on << QString::number(id);
-    }
-    return on;
-}
 
 void TestCatalogEditorDlg::startUp_data()
 {
@@ -590,6 +367,7 @@ void TestCatalogEditorDlg::keysFollowButtons_data()
 }
 
 // Keys reach a command only where its button does; Enter on a focused button is that button's.
+
 void TestCatalogEditorDlg::keysFollowButtons()
 {
     QFETCH(QString, catalog);
@@ -708,49 +486,6 @@ void TestCatalogEditorDlg::endings()
     QCOMPARE(item->GetProperty("CROSS_SECTION")->GetValue().ToString(), QString(saved ? "50" : "25"));
 }
 
-void TestCatalogEditorDlg::deleteAsksAndRemoves_data()
-{
-    QTest::addColumn<int>("tree");
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<bool>("answer");
-    QTest::addColumn<QStringList>("rootAfter");
-    QTest::addColumn<int>("elementsAfter");
-
-    const int lower = Ids::CatalogTree;
-    const QStringList all{"Loose item", "Medium voltage", "Low voltage"};
-    QTest::newRow("group, yes") << lower << "Medium voltage" << true << QStringList{"Loose item", "Low voltage"} << 4;
-    QTest::newRow("group, no") << lower << "Medium voltage" << false << all << 8;
-    QTest::newRow("item below, yes") << lower << "Medium voltage/Copper/Cu 95" << true << all << 7;
-    QTest::newRow("root row empties the root level") << lower << "" << true << QStringList{} << 0;
-    QTest::newRow("root row, no") << lower << "" << false << all << 8;
-    QTest::newRow("drawing tree item, yes") << int(Ids::DrawingTree) << "Low voltage" << true
-                                            << QStringList{"Medium voltage", "Loose item"} << 5;
-}
-
-void TestCatalogEditorDlg::deleteAsksAndRemoves()
-{
-    QFETCH(int, tree);
-    QFETCH(QString, path);
-    QFETCH(bool, answer);
-    QFETCH(QStringList, rootAfter);
-    QFETCH(int, elementsAfter);
-
-    writeDefaultStore();
-    auto dlg = openDialog("CABLES");
-    focusAndSelect(*dlg, tree, path);
-    m_host.queueAnswer(answer);
-    QTest::keyClick(findControl<QWidget>(dlg.get(), tree), Qt::Key_Delete);
-    QCOMPARE(m_host.questions().size(), 1);
-    QCOMPARE(m_host.questions().first().text,
-             QString("Do you really want to delete the selected entries?"));
-    QCOMPARE(childTexts(rowAt(findControl<QTreeWidget>(dlg.get(), tree), "")), rootAfter);
-    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", tree == Ids::DrawingTree ? 0 : 1);
-    QCOMPARE(int(catalog->GetAllElementsMap()->size()), elementsAfter);
-    // Whatever is current now is a live row: its item (if any) is still in the catalog.
-    if (CCatalogItem* current = dlg->CurrentItem())
-        QVERIFY(catalog->GetItembyGuid(current->GetGUID()));
-}
-
 void TestCatalogEditorDlg::testButtonTogglesReadOnlyInOrder()
 {
     writeDefaultStore();
@@ -858,253 +593,6 @@ void TestCatalogEditorDlg::infoPreviewsTemplatePicture()
     QCOMPARE(seenTitle, shownTitle);
     QCOMPARE(m_host.alerts(), alerts);
     QVERIFY(dlg->isVisible());
-}
-
-void TestCatalogEditorDlg::newEntries_data()
-{
-    QTest::addColumn<int>("command");   // the button whose handler runs; 105 through Insert
-    QTest::addColumn<QString>("path");  // selected row of the catalog tree; "-" for none
-    QTest::addColumn<QString>("parent"); // where the new row is; "-" when nothing is made
-    QTest::addColumn<QString>("name");  // the new entry's name, or the alert
-
-    // The template's definition is "Cable 4x25": the factory names new items after it.
-    QTest::newRow("NEW in a group of items") << 105 << "Low voltage" << "Low voltage" << "Cable 4x2501";
-    QTest::newRow("NEW beside an item") << 105 << "Low voltage/Cable 4x16" << "Low voltage" << "Cable 4x2501";
-    QTest::newRow("NEW in an empty group") << 105 << "Medium voltage/Aluminium" << "Medium voltage/Aluminium" << "Cable 4x25";
-    QTest::newRow("NEW in a group of groups") << 105 << "Medium voltage" << "-" << "An item cannot be added to a group that holds groups.";
-    QTest::newRow("NEW beside a root item") << 105 << "Loose item" << "-" << "";
-    QTest::newRow("copy of an item") << 110 << "Low voltage/Cable 4x16" << "Low voltage" << "Cable 4x2501";
-    QTest::newRow("group, nothing selected") << 107 << "-" << "" << "New group";
-    QTest::newRow("group in a group of groups") << 107 << "Medium voltage" << "Medium voltage" << "New group";
-    QTest::newRow("group at the deepest level") << 107 << "Medium voltage/Aluminium" << "-" << "";
-    QTest::newRow("group in a group of items") << 107 << "Low voltage" << "-" << "A group cannot be added to a group that holds items.";
-}
-
-void TestCatalogEditorDlg::newEntries()
-{
-    QFETCH(int, command);
-    QFETCH(QString, path);
-    QFETCH(QString, parent);
-    QFETCH(QString, name);
-
-    writeDefaultStore();
-    auto dlg = openDialog("CABLES");
-    auto* lower = findControl<CatalogTreeWidget>(dlg.get(), Ids::CatalogTree);
-    if (path != "-")
-        focusAndSelect(*dlg, Ids::CatalogTree, path);
-    if (command == Ids::BtnNew)
-        QTest::keyClick(lower, Qt::Key_Insert);
-    else if (command == Ids::BtnNewItems)
-        dlg->OnBnClickedBtnNewFromItem();
-    else
-        dlg->OnBnClickedBtnAddGroup();
-
-    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", 1);
-    if (parent == "-")
-    {
-        QCOMPARE(m_host.alerts(), name.isEmpty() ? QStringList{} : QStringList{name});
-        QCOMPARE(int(catalog->GetAllElementsMap()->size()), 8);
-        return;
-    }
-    QVERIFY(m_host.alerts().isEmpty());
-    QCOMPARE(int(catalog->GetAllElementsMap()->size()), 9);
-    QTreeWidgetItem* added = lower->currentItem();
-    QCOMPARE(added->text(0), name);
-    QCOMPARE(added->parent(), rowAt(lower, parent));
-    CCatalogItem* item = Editor::CatalogItemOfRow(added);
-    QVERIFY(catalog->GetItembyGuid(item->GetGUID()));
-    CCatalogItem* parentItem = Editor::CatalogItemOfRow(added->parent());
-    QCOMPARE(item->GetParentItemGuid(), parentItem ? parentItem->GetGUID() : QString());
-    // A new group's label opens for its name; a new item is known by its row.
-    QCOMPARE(lower->isEditingLabel(), command == Ids::BtnAddGroup);
-    if (command != Ids::BtnAddGroup)
-        QCOMPARE(dlg->RowOfItem(item), added);
-}
-
-void TestCatalogEditorDlg::ordering_data()
-{
-    QTest::addColumn<int>("button");
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("children"); // of the rows re-sorted; for SORT in ascending order
-
-    QTest::newRow("down") << 118 << "Low voltage/Cable 4x16" << "Cable 4x25, Cable 4x16";
-    QTest::newRow("up on the first") << 119 << "Low voltage/Cable 4x16" << "Cable 4x16, Cable 4x25";
-    QTest::newRow("a group stays") << 118 << "Medium voltage/Copper" << "Copper, Aluminium";
-    QTest::newRow("a root item stays") << 119 << "Loose item" << "Loose item, Medium voltage, Low voltage";
-    QTest::newRow("sort the root level by text") << 120 << "" << "Loose item, Low voltage, Medium voltage";
-    QTest::newRow("sort an item's group by number") << 120 << "Low voltage/Cable 4x25" << "Cable 4x16, Cable 4x25";
-}
-
-void TestCatalogEditorDlg::ordering()
-{
-    QFETCH(int, button);
-    QFETCH(QString, path);
-    QFETCH(QString, children);
-
-    writeDefaultStore();
-    auto dlg = openDialog("CABLES");
-    focusAndSelect(*dlg, Ids::CatalogTree, path);
-    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
-    QTreeWidgetItem* row = lower->currentItem();
-    QTreeWidgetItem* sorted = path.isEmpty() ? row : row->parent();
-    // The direction alternates for the whole module, so it is read, not assumed.
-    const bool ascending = CCatalogEditorDlg::NextSortAscending();
-    auto* clicked = findControl<QAbstractButton>(dlg.get(), button);
-    clicked->click();
-
-    QStringList expected = children.split(", ");
-    if (button == Ids::BtnSort)
-    {
-        if (!ascending)
-            std::reverse(expected.begin(), expected.end());
-        QCOMPARE(CCatalogEditorDlg::NextSortAscending(), !ascending);
-        const auto icon = CModuleConfiguration::Instance()->LoadImageW(
-            ascending ? "IDI_SORT_DESC" : "IDI_SORT_ASC", 1, 24, 24, 0);
-        QCOMPARE(clicked->icon().pixmap(24, 24).toImage(), icon.toImage());
-    }
-    QCOMPARE(childTexts(sorted), expected);
-    // The order is the catalog's: it holds after a refill.
-    findControl<QComboBox>(dlg.get(), Ids::CatalogCombo)->setCurrentIndex(1);
-    findControl<QComboBox>(dlg.get(), Ids::CatalogCombo)->setCurrentIndex(0);
-    QCOMPARE(childTexts(rowAt(lower, path.isEmpty() ? "" : path.section('/', 0, -2))), expected);
-    QCOMPARE(lower->topLevelItemCount(), 1);
-}
-
-void TestCatalogEditorDlg::dragAndDrop_data()
-{
-    QTest::addColumn<QString>("from");
-    QTest::addColumn<QString>("to"); // "-": empty space below the rows
-    QTest::addColumn<bool>("ctrl");
-    QTest::addColumn<QStringList>("where"); // rows named like the dragged one, afterwards
-
-    const QStringList stays{"Low voltage/Cable 4x25"};
-    QTest::newRow("onto a group: moved") << "Low voltage/Cable 4x25" << "Medium voltage/Aluminium" << false << QStringList{"Medium voltage/Aluminium/Cable 4x25"};
-    QTest::newRow("onto an item: into its group") << "Low voltage/Cable 4x25" << "Medium voltage/Copper/Cu 95" << false << QStringList{"Medium voltage/Copper/Cable 4x25"};
-    QTest::newRow("with Ctrl: copied") << "Low voltage/Cable 4x25" << "Medium voltage/Aluminium" << true << QStringList{"Medium voltage/Aluminium/Cable 4x25", "Low voltage/Cable 4x25"};
-    QTest::newRow("onto the root row") << "Low voltage/Cable 4x25" << "" << false << stays;
-    QTest::newRow("onto empty space, with Ctrl") << "Low voltage/Cable 4x25" << "-" << true << stays;
-    QTest::newRow("a group is not dragged") << "Medium voltage/Copper" << "Low voltage" << false << QStringList{"Medium voltage/Copper"};
-}
-
-void TestCatalogEditorDlg::dragAndDrop()
-{
-    QFETCH(QString, from);
-    QFETCH(QString, to);
-    QFETCH(bool, ctrl);
-    QFETCH(QStringList, where);
-
-    writeDefaultStore();
-    auto dlg = openDialog("CABLES");
-    auto* lower = findControl<CatalogTreeWidget>(dlg.get(), Ids::CatalogTree);
-    rowAt(lower, "Low voltage")->setExpanded(true);
-    rowAt(lower, "Medium voltage")->setExpanded(true);
-    const QPoint end = to == "-" ? QPoint(20, lower->viewport()->height() - 4)
-                                 : centreOf(lower, rowAt(lower, to));
-    const QPoint start = centreOf(lower, rowAt(lower, from)); // after any row opened for `end`
-    QCOMPARE(lower->itemAt(end) == nullptr, to == "-");
-    QWidget* viewport = lower->viewport();
-    QTest::mousePress(viewport, Qt::LeftButton, {}, start);
-    QMouseEvent move(QEvent::MouseMove, end, viewport->mapToGlobal(end), Qt::NoButton,
-                     Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(viewport, &move);
-    m_host.setCtrlPressed(ctrl);
-    QTest::mouseRelease(viewport, Qt::LeftButton, {}, end);
-    m_host.setCtrlPressed(false);
-
-    QVERIFY(!lower->isDraggingItem());
-    QCOMPARE(pathsOf(rowAt(lower, ""), from.section('/', -1)), where);
-    // The rows that were open are open again after the refill.
-    QVERIFY(rowAt(lower, "Medium voltage")->isExpanded());
-    QVERIFY(rowAt(lower, "Low voltage")->isExpanded());
-    auto catalog = CCatalogManager::Instance()->GetCatalog("CABLES", 1);
-    QCOMPARE(int(catalog->GetAllElementsMap()->size()), 7 + int(where.size()));
-}
-
-void TestCatalogEditorDlg::contextMenu_data()
-{
-    QTest::addColumn<QString>("catalog");
-    QTest::addColumn<int>("tree");
-    QTest::addColumn<QString>("path");    // "-": empty space
-    QTest::addColumn<QString>("entries"); // "(text)" disabled, "-" separator; empty: no menu
-    QTest::addColumn<QString>("choose");  // empty: dismissed
-    QTest::addColumn<QString>("check");   // row whose children are compared
-    QTest::addColumn<QString>("children");
-
-    const int lower = Ids::CatalogTree;
-    const int upper = Ids::DrawingTree;
-    const QString rootLevel = "Loose item, Medium voltage, Low voltage";
-    QTest::newRow("catalog group: copy") << "CABLES" << lower << "Low voltage"
-        << "(Add group), New item from the selected template, -, Delete group contents, Delete group, -, Copy group"
-        << "Copy group" << "Low voltage_copy" << "Cable 4x16, Cable 4x25";
-    QTest::newRow("catalog group: delete contents") << "CABLES" << lower << "Medium voltage"
-        << "Add group, New item from the selected template, -, Delete group contents, Delete group, -, Copy group"
-        << "Delete group contents" << "Medium voltage" << "";
-    QTest::newRow("drawing item: delete") << "CABLES" << upper << "Low voltage/Cable 4x16"
-        << "Add to application catalog, -, Delete item" << "Delete item" << "Low voltage" << "Cable 4x25";
-    QTest::newRow("dismissed") << "CABLES" << lower << "" << "Add group, -, Delete all entries of the catalog" << "" << "" << rootLevel;
-    QTest::newRow("empty space") << "CABLES" << lower << "-" << "" << "" << "" << rootLevel;
-    QTest::newRow("new items disabled") << "LOCKED" << lower << "Fixed" << "" << "" << "Fixed" << "Fixed item";
-}
-
-void TestCatalogEditorDlg::contextMenu()
-{
-    QFETCH(QString, catalog);
-    QFETCH(int, tree);
-    QFETCH(QString, path);
-    QFETCH(QString, entries);
-    QFETCH(QString, choose);
-    QFETCH(QString, check);
-    QFETCH(QString, children);
-
-    writeDefaultStore();
-    auto dlg = openDialog(catalog);
-    auto* widget = findControl<QTreeWidget>(dlg.get(), tree);
-    const QPoint at = path == "-" ? QPoint(20, widget->viewport()->height() - 4)
-                                  : centreOf(widget, rowAt(widget, path));
-    m_host.queueAnswer(true);
-    QStringList seen;
-    QTimer::singleShot(0, this, [&] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu)
-            return;
-        QAction* chosen = nullptr;
-        for (QAction* action : menu->actions())
-        {
-            seen << (action->isSeparator() ? "-" : action->isEnabled() ? action->text() : "(" + action->text() + ")");
-            if (!action->isSeparator() && action->text() == choose)
-                chosen = action;
-        }
-        if (chosen)
-            chosen->trigger();
-        menu->close();
-    });
-    emit widget->customContextMenuRequested(at);
-    QCoreApplication::processEvents();
-    QCOMPARE(seen.join(", "), entries);
-    QCOMPARE(childTexts(rowAt(widget, check)).join(", "), children);
-    QCOMPARE(m_host.questions().size(), choose.startsWith("Delete") ? 1 : 0);
-    if (path == "-")
-        QVERIFY(!widget->currentItem());
-}
-
-void TestCatalogEditorDlg::addToApplicationRefillsCatalogTree()
-{
-    writeDefaultStore();
-    auto dlg = openDialog("CABLES");
-    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
-    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage");
-    m_host.queueAnswer(true);
-    findControl<QAbstractButton>(dlg.get(), Ids::BtnDelete)->click();
-    QVERIFY(!rowAt(lower, "Low voltage"));
-
-    focusAndSelect(*dlg, Ids::DrawingTree, "Low voltage/Cable 4x16");
-    auto* add = findControl<QAbstractButton>(dlg.get(), Ids::BtnAddToApp);
-    add->click();
-    QCOMPARE(childTexts(rowAt(lower, "Low voltage")), QStringList{"Cable 4x16"});
-    QVERIFY(m_host.alerts().isEmpty());
-    add->click();
-    QCOMPARE(m_host.alerts(),
-             QStringList{"The item \"Cable 4x16\" is already in the application catalog."});
 }
 
 QTEST_MAIN(TestCatalogEditorDlg)
