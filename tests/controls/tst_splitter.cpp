@@ -36,30 +36,32 @@ private slots:
     {
         QTest::addColumn<QRect>("rect");
         QTest::addColumn<int>("windowOffset");
-        QTest::addColumn<bool>("setRange");
+        QTest::addColumn<int>("root"); // SetRange(20, 20, root); -2: no range set
         QTest::addColumn<int>("moveBy");
         QTest::addColumn<int>("delta");
         const QRect wide(20, 200, 300, 20), tall(200, 20, 6, 300);
         // clang-format off
-        QTest::newRow("within down")           << wide << 0 << true  << 7    << 7;
-        QTest::newRow("within up")             << wide << 0 << true  << -12  << -12;
-        QTest::newRow("beyond down")           << wide << 0 << true  << 100  << 20;
-        QTest::newRow("beyond up")             << wide << 0 << true  << -100 << -20;
-        QTest::newRow("range never set")       << wide << 0 << false << 30   << 0;
-        QTest::newRow("square is horizontal")  << QRect(20, 200, 8, 8) << 0 << true << 9 << 9;
-        QTest::newRow("vertical beyond right") << tall << 0 << true  << 60   << 20;
-        QTest::newRow("vertical within left")  << tall << 0 << true  << -5   << -5;
+        QTest::newRow("within down")           << wide << 0 << -1 << 7    << 7;
+        QTest::newRow("within up")             << wide << 0 << -1 << -12  << -12;
+        QTest::newRow("beyond down")           << wide << 0 << -1 << 100  << 20;
+        QTest::newRow("beyond up")             << wide << 0 << -1 << -100 << -20;
+        QTest::newRow("range never set")       << wide << 0 << -2 << 30   << 0;
+        // The bar's centre is at y 202; a root of its own moves the range with it.
+        QTest::newRow("explicit root")         << wide << 0 << 212 << 100 << 30;
+        QTest::newRow("square is horizontal")  << QRect(20, 200, 8, 8) << 0 << -1 << 9 << 9;
+        QTest::newRow("vertical beyond right") << tall << 0 << -1 << 60   << 20;
+        QTest::newRow("vertical within left")  << tall << 0 << -1 << -5   << -5;
         // The default root is a screen coordinate while the clamping works in the window's
         // coordinates: with the window 50 pixels down the range lies 50 pixels lower.
-        QTest::newRow("offset window small move") << wide << 50 << true << 1   << 30;
-        QTest::newRow("offset window big move")   << wide << 50 << true << 100 << 70;
+        QTest::newRow("offset window small move") << wide << 50 << -1 << 1   << 30;
+        QTest::newRow("offset window big move")   << wide << 50 << -1 << 100 << 70;
         // clang-format on
     }
     void dragMovesWithinRange()
     {
         QFETCH(QRect, rect);
         QFETCH(int, windowOffset);
-        QFETCH(bool, setRange);
+        QFETCH(int, root);
         QFETCH(int, moveBy);
         QFETCH(int, delta);
         QWidget window;
@@ -76,8 +78,8 @@ private slots:
         const QRect before = vertical ? QRect(rect.topLeft(), QSize(5, rect.height()))
                                       : QRect(rect.topLeft(), QSize(rect.width(), 5));
         QCOMPARE(bar.geometry(), before);
-        if (setRange)
-            bar.SetRange(20, 20, -1);
+        if (root != -2)
+            bar.SetRange(20, 20, root);
         QSignalSpy moved(&bar, &CSplitterControl::splitterMoved);
 
         const QPoint centre(2, 2);
