@@ -164,7 +164,8 @@ void CatalogStore::loadRegistry()
 
     const QFileInfo rootInfo(m_root);
     if (!rootInfo.isDir()) {
-        error(QStringLiteral("Catalog store %1: the folder does not exist").arg(m_root));
+        error(rootInfo.exists() ? QStringLiteral("Catalog store %1: it is a file, not a folder").arg(m_root)
+                                : QStringLiteral("Catalog store %1: the folder does not exist").arg(m_root));
         return;
     }
     QByteArray bytes;

@@ -302,7 +302,8 @@ private slots:
         QTest::newRow("registry garbage") << "registry.xml" << QByteArray("\x01\x02 garbage") << "registry.xml is broken" << false;
         QTest::newRow("registry of a later format") << "registry.xml" << QByteArray("<registry format=\"2\"><catalog reference=\"TEST\" file=\"sub/test.xml\"/></registry>") << "registry.xml cannot be used: registry format 2 is newer" << false;
         QTest::newRow("registry not a registry") << "registry.xml" << QByteArray("<catalog ref=\"X\"/>") << "is not a registry" << false;
-        QTest::newRow("store folder missing") << "" << QByteArray("-") << "the folder does not exist" << false;
+        QTest::newRow("store folder missing") << "" << QByteArray("nowhere") << "nowhere: the folder does not exist" << false;
+        QTest::newRow("store is a file") << "" << QByteArray("other.xml") << "other.xml: it is a file, not a folder" << false;
     }
 
     void brokenStores()
@@ -313,8 +314,8 @@ private slots:
         QFETCH(bool, registryReadable);
         SmallStore store;
         const QString path = store.path(file);
-        if (file.isEmpty()) {
-            manager()->Configure(store.path(QStringLiteral("nowhere")), store.drawing());
+        if (file.isEmpty()) { // the store itself is `content`
+            manager()->Configure(store.path(QString::fromUtf8(content)), store.drawing());
         } else if (content == "-") {
             QVERIFY(QFile::remove(path));
         } else if (content == "dir") {
