@@ -4,6 +4,7 @@
 #include "tools/CatalogCommands.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QTextStream>
 #include <cstdio>
 
@@ -79,6 +80,9 @@ int main(int argc, char* argv[])
         return 2;
     }
 
+    // The commands print every store problem themselves; the library's warning of the
+    // same problem would say it twice.
+    QLoggingCategory::setFilterRules(QStringLiteral("zevx.catalog.warning=false"));
     ZEVGis::Data::CCatalogManager::Instance()->Configure(catalogs, drawing);
     const QString command = words.takeFirst();
     if (command == u"list" && words.isEmpty())

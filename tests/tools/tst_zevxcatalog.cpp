@@ -129,7 +129,9 @@ void TestZevxCatalog::runs()
         QVERIFY2(output.contains(piece),
                  qPrintable(QStringLiteral("no \"%1\" in:\n%2").arg(piece, output)));
     }
-    QVERIFY2(errors.contains(err.replace(QStringLiteral("ROOT"), root)), qPrintable(errors));
+    // Each problem is told once, not again by the library's own warning.
+    err.replace(QStringLiteral("ROOT"), root);
+    QVERIFY2(err.isEmpty() || errors.count(err) == 1, qPrintable(errors));
 }
 
 QTEST_GUILESS_MAIN(TestZevxCatalog)
