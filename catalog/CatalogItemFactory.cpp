@@ -14,7 +14,8 @@ namespace ZEVGis::Data
 namespace
 {
 
-// Copies everything of an item but its identity and its place in a tree.
+// Copies everything of an item but its identity, its place in a tree and its default mark:
+// a copy never becomes a second default of its equipment type; the user marks it ("*").
 boost::shared_ptr<CCatalogItem> copyOf(CCatalogItem& source)
 {
     auto item = boost::make_shared<CCatalogItem>();
@@ -23,7 +24,6 @@ boost::shared_ptr<CCatalogItem> copyOf(CCatalogItem& source)
     item->SetMsgName(source.GetMsgName());
     item->SetIsGroup(source.IsGroup());
     item->SetOrd(source.GetOrd());
-    item->SetIsDefault(source.GetIsDefault());
     item->SetPictureRef(source.GetPictureRef());
     item->SetTemplateName(source.GetTemplateName());
     auto properties = boost::make_shared<CPropertiesEx>();
@@ -67,8 +67,6 @@ boost::shared_ptr<CCatalogItem> CDefaultCatalogItemFactory::CreateItemFromTempla
     auto item = copyOf(*definition);
     item->SetTemplateName(tmpl->GetName());
     item->SetIsGroup(definition->IsGroup());
-    // A new entry is never born the default of its type; the user marks it ("*").
-    item->SetIsDefault(0);
     return item;
 }
 

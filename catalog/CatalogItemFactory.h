@@ -15,7 +15,8 @@ class CCatalog;
 class ICatalogItemFactory
 {
 public:
-    // Deep copy of `source` with a new GUID, no parent and no sub-items; empty on null.
+    // Deep copy of `source` with a new GUID, no parent, no sub-items and no default mark;
+    // empty on null.
     virtual boost::shared_ptr<CCatalogItem> CreateItemFrom(CCatalogItem* source) = 0;
     // New item from the template's definition, with a new GUID; empty when the template
     // has no definition.

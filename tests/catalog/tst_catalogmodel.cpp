@@ -321,7 +321,7 @@ private slots:
         QVERIFY(copy->GetSubItems()->empty());
         QCOMPARE(copy->GetName(), source->GetName());
         QCOMPARE(copy->GetOrd(), 7);
-        QCOMPARE(copy->GetIsDefault(), 1);
+        QCOMPARE(copy->GetIsDefault(), 0); // never a second default of its type
         QCOMPARE(copy->GetMsgName(), 12);
         QCOMPARE(copy->GetPictureRef(), QStringLiteral("nayy.svg"));
         QCOMPARE(copy->GetTemplateName(), QStringLiteral("Kabel"));
