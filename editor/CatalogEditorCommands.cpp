@@ -124,15 +124,11 @@ bool CCatalogEditorDlg::HandleTreeKey(QObject*, QKeyEvent* key)
     case Qt::Key_F2:
         BeginLabelEdit();
         return true;
-    // Insert and Delete do what their buttons do, and only while those are enabled: a
-    // catalog closed to new entries stays closed to the keyboard too.
     case Qt::Key_Insert:
-        if (Button(Ids::BtnNew)->isEnabled())
-            OnBnClickedBtnNew();
+        OnBnClickedBtnNew();
         return true;
     case Qt::Key_Delete:
-        if (Button(Ids::BtnDelete)->isEnabled())
-            OnBnClickedBtnDel();
+        OnBnClickedBtnDel();
         return true;
     default:
         return false;
