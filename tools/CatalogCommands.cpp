@@ -179,8 +179,9 @@ int validateFiles(const QStringList& files, QTextStream& out, QTextStream& err)
             result = 1;
             continue;
         }
+        // The checked text is what is read as a catalog, as an import does.
         CCatalog catalog;
-        if (catalog.ParseXMLBytes(file.readAll())) {
+        if (catalog.ParseXML(document.GetDocumentText())) {
             out << "  catalog: " << (catalog.GetReference().isEmpty() ? QStringLiteral("(no reference)") : catalog.GetReference())
                 << ", " << catalog.GetAllElementsMap()->size() << " entries\n";
         } else {

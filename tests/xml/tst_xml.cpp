@@ -1,6 +1,5 @@
 #include "tests/xml/XmlIndexCheck.h"
 #include "xml/XmlDocument.h"
-#include "xml/XmlValidation.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -74,7 +73,6 @@ private slots:
     void deepNesting_data();
     void deepNesting();
     void millionSiblings();
-    void validationReport();
 };
 
 void TestXmlDocument::initTestCase()
@@ -471,30 +469,6 @@ void TestXmlDocument::millionSiblings()
     QCOMPARE(doc.RecordCount(), siblings + 2);
     QCOMPARE(doc.Record(doc.Record(1).firstChild).prevSibling, siblings + 1);
     QCOMPARE(doc.Record(siblings + 1).start, 3 + 4 * (siblings - 1));
-}
-
-void TestXmlDocument::validationReport()
-{
-    QTemporaryDir dir;
-    const QString good = dir.filePath(QStringLiteral("good.xml"));
-    QFile file(good);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("<Catalog/>");
-    file.close();
-
-    CXmlDocument doc;
-    const XmlFileCheck ok = CheckXmlFile(doc, good);
-    QVERIFY(ok.wellFormed);
-    QCOMPARE(FormatXmlFileCheck(good, ok),
-             good + QStringLiteral(": well formed (10 bytes to 10 wide chars)"));
-    QCOMPARE(doc.GetDocumentText(), QStringLiteral("<Catalog/>"));
-
-    const QString missing = dir.filePath(QStringLiteral("none.xml"));
-    const XmlFileCheck bad = CheckXmlFile(doc, missing);
-    QVERIFY(!bad.wellFormed);
-    QCOMPARE(FormatXmlFileCheck(missing, bad),
-             missing + QStringLiteral(": not well formed (%1)")
-                           .arg(QString::fromLocal8Bit(std::strerror(ENOENT))));
 }
 
 QTEST_GUILESS_MAIN(TestXmlDocument)
