@@ -106,7 +106,30 @@ void PropertyGridView::keyPressEvent(QKeyEvent* event)
 void PropertyGridView::resizeEvent(QResizeEvent* event)
 {
     QTreeView::resizeEvent(event);
-    header()->resizeSection(PropertyGridModel::CaptionColumn, viewport()->width() * 2 / 5);
+    fitToRows();
+}
+
+// Category names run across both columns; the caption column is as wide as its longest
+// caption, between a quarter and a half of the grid, so the values keep room.
+void PropertyGridView::fitToRows()
+{
+    if (!model())
+        return;
+    for (int row = 0; row < model()->rowCount(); ++row)
+        setFirstColumnSpanned(row, {}, model()->index(row, 0).data(PropertyGridModel::IsCategoryRole).toBool());
+    // A top-level row is indented once (the fold marks), a property in a category twice.
+    const int width = viewport()->width();
+    int captions = 0;
+    for (int row = 0; row < model()->rowCount(); ++row)
+    {
+        const QModelIndex top = model()->index(row, PropertyGridModel::CaptionColumn);
+        if (!top.data(PropertyGridModel::IsCategoryRole).toBool())
+            captions = qMax(captions, sizeHintForIndex(top).width() + indentation());
+        for (int child = 0; child < model()->rowCount(top); ++child)
+            captions = qMax(captions, sizeHintForIndex(model()->index(child, 0, top)).width() + 2 * indentation());
+    }
+    const int caption = qBound(width / 4, captions + 8, width / 2);
+    header()->resizeSection(PropertyGridModel::CaptionColumn, caption);
 }
 
 // ---------------------------------------------------------------------------------------
@@ -162,6 +185,7 @@ void PropertyGridWidget::setProperties(boost::shared_ptr<ZEVGis::Data::CProperti
     m_model->setProperties(std::move(properties));
     if (expandAll)
         m_view->expandAll();
+    m_view->fitToRows();
     if (!selectedTag.isEmpty())
     {
         const QModelIndex row = m_model->indexOfTag(selectedTag);
@@ -207,6 +231,7 @@ void PropertyGridWidget::setCategorized(bool categorized)
     m_view->cancelEditing();
     m_model->setCategorized(categorized);
     m_view->expandAll();
+    m_view->fitToRows();
     // The same property stays selected; the callback hears of it only if it changes.
     const QModelIndex row = tag.isEmpty() ? QModelIndex() : m_model->indexOfTag(tag);
     if (row.isValid())

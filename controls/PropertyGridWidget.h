@@ -23,6 +23,8 @@ public:
 
     // Closes an open editor without writing its text.
     void cancelEditing();
+    // Lays the columns out for the rows shown: categories across both, captions fitted.
+    void fitToRows();
     // True while an in-place editor is open.
     bool isEditing() const { return state() == QAbstractItemView::EditingState; }
 

@@ -379,6 +379,44 @@ private slots:
         QVERIFY(!f.view()->isExpanded(general));
     }
 
+    // Categories run across both columns; the caption column fits the longest caption
+    // within a quarter and a half of the grid's width.
+    void captionColumnFitsCaptions_data()
+    {
+        QTest::addColumn<QString>("caption"); // of the LOCKED property
+        QTest::addColumn<QString>("expected"); // "quarter", "half" or "fits"
+        QTest::newRow("short captions: a quarter") << "A" << "quarter";
+        QTest::newRow("a caption longer than the grid: half") << QString(80, QChar('W')) << "half";
+        QTest::newRow("a medium caption fits") << "Presjek [mm²]" << "fits";
+    }
+
+    void captionColumnFitsCaptions()
+    {
+        QFETCH(QString, caption);
+        QFETCH(QString, expected);
+        Fixture f;
+        if (expected == "quarter")
+            for (const auto& category : *f.properties->GetCategoryVector())
+                if (category)
+                    for (auto& [tag, p] : *category->GetPropertyExMapByTag())
+                        p->SetCaption(QStringLiteral("A"));
+        f.find("LOCKED")->SetCaption(caption);
+        QVERIFY(f.start());
+        const int width = f.view()->viewport()->width();
+        const int column = f.view()->columnWidth(PropertyGridModel::CaptionColumn);
+        if (expected == "quarter")
+            QCOMPARE(column, width / 4);
+        else if (expected == "half")
+            QCOMPARE(column, width / 2);
+        else
+        {
+            QVERIFY2(column > width / 4 && column < width / 2, qPrintable(QString("%1 of %2").arg(column).arg(width)));
+            QVERIFY(column >= f.view()->fontMetrics().horizontalAdvance(caption) + 2 * f.view()->indentation());
+        }
+        for (int row = 0; row < f.model()->rowCount(); ++row)
+            QVERIFY(f.view()->isFirstColumnSpanned(row, {}));
+    }
+
     // A callback may show something else in the grid while the edit is being committed.
     void callbackMayReplaceContent()
     {
