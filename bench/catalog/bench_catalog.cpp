@@ -9,6 +9,7 @@
 #include <QSaveFile>
 #include <QTemporaryDir>
 #include <QXmlStreamReader>
+#include <QXmlStreamWriter>
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
@@ -142,6 +143,67 @@ void BM_SaveCatalog(benchmark::State& state)
     state.counters["entries"] = Entries;
 }
 BENCHMARK(BM_SaveCatalog)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+// The same file written through QXmlStreamWriter (items, categories and properties with the
+// attributes the catalog writer puts out, into memory): the reason catalogs have a writer of
+// their own.
+void writeItem(QXmlStreamWriter& xml, ZEVGis::Data::CCatalogItem& item)
+{
+    xml.writeStartElement(QStringLiteral("i"));
+    xml.writeAttribute(QStringLiteral("id"), item.GetGUID());
+    xml.writeAttribute(QStringLiteral("n"), item.GetName());
+    if (item.IsGroup())
+        xml.writeAttribute(QStringLiteral("g"), QStringLiteral("1"));
+    if (item.GetOrd())
+        xml.writeAttribute(QStringLiteral("o"), QString::number(item.GetOrd()));
+    if (!item.GetPictureRef().isEmpty())
+        xml.writeAttribute(QStringLiteral("pic"), item.GetPictureRef());
+    if (auto properties = item.GetProperties())
+        for (const auto& category : *properties->GetCategoryVector()) {
+            xml.writeStartElement(QStringLiteral("c"));
+            xml.writeAttribute(QStringLiteral("n"), category->GetName());
+            for (const auto& property : category->GetPropertyExVector()) {
+                xml.writeEmptyElement(QStringLiteral("p"));
+                xml.writeAttribute(QStringLiteral("t"), property->GetTag());
+                const ZEVGis::Data::CDataBox value = property->GetValue();
+                if (value.GetType() != ZEVGis::Data::DataType::String)
+                    xml.writeAttribute(QStringLiteral("y"), ZEVGis::Data::dataTypeName(value.GetType()));
+                if (!value.ToString().isEmpty())
+                    xml.writeAttribute(QStringLiteral("v"), value.ToString());
+                if (property->GetCaption() != property->GetTag())
+                    xml.writeAttribute(QStringLiteral("cap"), property->GetCaption());
+            }
+            xml.writeEndElement();
+        }
+    std::vector<boost::shared_ptr<ZEVGis::Data::CCatalogItem>> children;
+    item.GetSortedSubItems(children);
+    for (const auto& child : children)
+        writeItem(xml, *child);
+    xml.writeEndElement();
+}
+
+void BM_QXmlStreamWriterOnly(benchmark::State& state)
+{
+    ZEVGis::Data::CCatalog catalog;
+    catalog.ParseXMLBytes(catalogBytes());
+    std::vector<boost::shared_ptr<ZEVGis::Data::CCatalogItem>> roots;
+    catalog.GetSortedRootElements(roots);
+    qsizetype size = 0;
+    for (auto _ : state) {
+        QByteArray bytes;
+        QXmlStreamWriter xml(&bytes);
+        xml.setAutoFormatting(true);
+        xml.writeStartDocument();
+        xml.writeStartElement(QStringLiteral("catalog"));
+        xml.writeAttribute(QStringLiteral("ref"), catalog.GetReference());
+        for (const auto& root : roots)
+            writeItem(xml, *root);
+        xml.writeEndDocument();
+        size = bytes.size();
+    }
+    state.counters["file_MB"] = size / 1e6;
+}
+BENCHMARK(BM_QXmlStreamWriterOnly)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 void BM_MemoryPerEntry(benchmark::State& state)
 {
