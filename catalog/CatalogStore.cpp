@@ -156,6 +156,86 @@ bool CatalogStore::seedFromSamples(const QString& folder, QString& why)
     return true;
 }
 
+namespace
+{
+
+// The registry's document, or the reason it cannot be used.
+pugi::xml_node openRegistry(pugi::xml_document& doc, const QString& path, QByteArray& bytes, QString& problem)
+{
+    QString why;
+    if (!readFile(path, bytes, why)) {
+        problem = QStringLiteral("Catalog registry %1 cannot be read: %2").arg(path, why);
+        return {};
+    }
+    if (!CatalogXml::parseDocument(doc, bytes.constData(), size_t(bytes.size()), false, why)) {
+        problem = QStringLiteral("Catalog registry %1 is broken: %2").arg(path, why);
+        return {};
+    }
+    pugi::xml_node root = doc.document_element();
+    if (!root || std::strcmp(root.name(), RegistryRoot) != 0) {
+        problem = QStringLiteral("Catalog registry %1 is not a registry: its root element is <%2>, not <registry>")
+                      .arg(path, QString::fromUtf8(root ? root.name() : ""));
+        return {};
+    }
+    if (!CatalogXml::readableFormat(root, why)) {
+        problem = QStringLiteral("Catalog registry %1 cannot be used: registry %2").arg(path, why);
+        return {};
+    }
+    return root;
+}
+
+// The fields of one registry entry; flags that are not numbers take their defaults.
+boost::shared_ptr<CCatalogMetadata> readMetadata(pugi::xml_node node, bool& numbersOk)
+{
+    auto metadata = boost::make_shared<CCatalogMetadata>();
+    metadata->reference = QString::fromUtf8(node.attribute("reference").value()).trimmed();
+    metadata->nameUI = QString::fromUtf8(node.attribute("name").value());
+    if (metadata->nameUI.isEmpty())
+        metadata->nameUI = metadata->reference;
+    metadata->fileName = QString::fromUtf8(node.attribute("file").value()).trimmed();
+    if (metadata->fileName.isEmpty())
+        metadata->fileName = metadata->reference.toLower() + QStringLiteral(".xml");
+    numbersOk = true;
+    metadata->hidden = intAttribute(node, "hidden", 0, numbersOk) != 0;
+    metadata->maintainDocumentSpecificVersion = intAttribute(node, "drawingVersion", 0, numbersOk) != 0;
+    metadata->maxDepthLevel = intAttribute(node, "maxDepth", 3, numbersOk);
+    metadata->allowDefaultSelection = intAttribute(node, "allowDefault", 0, numbersOk) != 0;
+    metadata->disableNewItems = intAttribute(node, "disableNewItems", 0, numbersOk) != 0;
+    return metadata;
+}
+
+// The templates of one registry entry; a broken one is left out with the reason.
+std::vector<boost::shared_ptr<CCatalogItemTemplate>> readTemplates(pugi::xml_node node, CatalogXml::ItemReader& reader,
+                                                                   const QString& registry, const QString& reference,
+                                                                   QStringList& problems)
+{
+    std::vector<boost::shared_ptr<CCatalogItemTemplate>> templates;
+    for (pugi::xml_node t = node.child(RegistryTemplate); t; t = t.next_sibling(RegistryTemplate)) {
+        const QString name = QString::fromUtf8(t.attribute("name").value());
+        bool versionOk = true;
+        const int version = intAttribute(t, "version", 0, versionOk);
+        boost::shared_ptr<CCatalogItem> definition;
+        if (pugi::xml_node item = t.child(CatalogXml::Names::item)) {
+            definition = reader.readItem(item, false);
+            if (!definition) {
+                problems << QStringLiteral("Catalog registry %1: template \"%2\" of %3 has a broken definition: %4; the template is left out")
+                                .arg(registry, name, reference, reader.error());
+                reader.clearError();
+                continue;
+            }
+        }
+        if (name.isEmpty() || !versionOk) {
+            problems << QStringLiteral("Catalog registry %1: a template of %2 at %3 has no name or a bad version; it is left out")
+                            .arg(registry, reference, reader.position(t.offset_debug() - 1));
+            continue;
+        }
+        templates.push_back(boost::make_shared<CCatalogItemTemplate>(name, version, definition));
+    }
+    return templates;
+}
+
+} // namespace
+
 void CatalogStore::loadRegistry()
 {
     if (m_registryTried)
@@ -169,24 +249,11 @@ void CatalogStore::loadRegistry()
         return;
     }
     QByteArray bytes;
-    QString why;
-    if (!readFile(registryPath(), bytes, why)) {
-        error(QStringLiteral("Catalog registry %1 cannot be read: %2").arg(registryPath(), why));
-        return;
-    }
+    QString problem;
     pugi::xml_document doc;
-    if (!CatalogXml::parseDocument(doc, bytes.constData(), size_t(bytes.size()), false, why)) {
-        error(QStringLiteral("Catalog registry %1 is broken: %2").arg(registryPath(), why));
-        return;
-    }
-    pugi::xml_node root = doc.document_element();
-    if (!root || std::strcmp(root.name(), RegistryRoot) != 0) {
-        error(QStringLiteral("Catalog registry %1 is not a registry: its root element is <%2>, not <registry>")
-                  .arg(registryPath(), QString::fromUtf8(root ? root.name() : "")));
-        return;
-    }
-    if (!CatalogXml::readableFormat(root, why)) {
-        error(QStringLiteral("Catalog registry %1 cannot be used: registry %2").arg(registryPath(), why));
+    const pugi::xml_node root = openRegistry(doc, registryPath(), bytes, problem);
+    if (!root) {
+        error(problem);
         return;
     }
 
@@ -194,8 +261,8 @@ void CatalogStore::loadRegistry()
     reader.setText(bytes.constData(), size_t(bytes.size()));
     for (pugi::xml_node node = root.child(RegistryCatalog); node; node = node.next_sibling(RegistryCatalog)) {
         const QString where = reader.position(node.offset_debug() - 1);
-        auto metadata = boost::make_shared<CCatalogMetadata>();
-        metadata->reference = QString::fromUtf8(node.attribute("reference").value()).trimmed();
+        bool numbersOk = true;
+        auto metadata = readMetadata(node, numbersOk);
         if (metadata->reference.isEmpty()) {
             error(QStringLiteral("Catalog registry %1: the entry at %2 has no reference; it is left out")
                       .arg(registryPath(), where));
@@ -206,45 +273,15 @@ void CatalogStore::loadRegistry()
                       .arg(registryPath(), metadata->reference, where));
             continue;
         }
-        metadata->nameUI = QString::fromUtf8(node.attribute("name").value());
-        if (metadata->nameUI.isEmpty())
-            metadata->nameUI = metadata->reference;
-        metadata->fileName = QString::fromUtf8(node.attribute("file").value()).trimmed();
-        if (metadata->fileName.isEmpty())
-            metadata->fileName = metadata->reference.toLower() + QStringLiteral(".xml");
-        bool numbersOk = true;
-        metadata->hidden = intAttribute(node, "hidden", 0, numbersOk) != 0;
-        metadata->maintainDocumentSpecificVersion = intAttribute(node, "drawingVersion", 0, numbersOk) != 0;
-        metadata->maxDepthLevel = intAttribute(node, "maxDepth", 3, numbersOk);
-        metadata->allowDefaultSelection = intAttribute(node, "allowDefault", 0, numbersOk) != 0;
-        metadata->disableNewItems = intAttribute(node, "disableNewItems", 0, numbersOk) != 0;
         if (!numbersOk)
             error(QStringLiteral("Catalog registry %1: entry %2 at %3 has a flag that is not a number; the default is used")
                       .arg(registryPath(), metadata->reference, where));
-
+        QStringList problems;
         Entry entry;
         entry.metadata = metadata;
-        for (pugi::xml_node t = node.child(RegistryTemplate); t; t = t.next_sibling(RegistryTemplate)) {
-            const QString name = QString::fromUtf8(t.attribute("name").value());
-            bool versionOk = true;
-            const int version = intAttribute(t, "version", 0, versionOk);
-            boost::shared_ptr<CCatalogItem> definition;
-            if (pugi::xml_node item = t.child(CatalogXml::Names::item)) {
-                definition = reader.readItem(item, false);
-                if (!definition) {
-                    error(QStringLiteral("Catalog registry %1: template \"%2\" of %3 has a broken definition: %4; the template is left out")
-                              .arg(registryPath(), name, metadata->reference, reader.error()));
-                    reader.clearError();
-                    continue;
-                }
-            }
-            if (name.isEmpty() || !versionOk) {
-                error(QStringLiteral("Catalog registry %1: a template of %2 at %3 has no name or a bad version; it is left out")
-                          .arg(registryPath(), metadata->reference, reader.position(t.offset_debug() - 1)));
-                continue;
-            }
-            entry.templates.push_back(boost::make_shared<CCatalogItemTemplate>(name, version, definition));
-        }
+        entry.templates = readTemplates(node, reader, registryPath(), metadata->reference, problems);
+        for (const QString& message : problems)
+            error(message);
         m_registry.push_back(metadata);
         m_entries.push_back(std::move(entry));
     }
