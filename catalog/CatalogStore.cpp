@@ -428,6 +428,13 @@ int CatalogStore::save(const QString& reference, bool saveCatalog, bool saveDraw
                       .arg(entry->metadata->reference, folder, path));
             return 0;
         }
+        // A tree the reader would refuse is not written: the file would no longer load.
+        QString why;
+        if (!CatalogXml::checkTreeDepth(*catalog->GetAllElementsMap(), why)) {
+            error(QStringLiteral("Catalog %1 not saved to %2: %3; the file on disk is unchanged")
+                      .arg(entry->metadata->reference, path, why));
+            return 0;
+        }
         auto file = std::make_unique<QSaveFile>(path);
         const QByteArray bytes = catalog->GetXMLBytes();
         if (!file->open(QIODevice::WriteOnly) || file->write(bytes) != bytes.size()) {

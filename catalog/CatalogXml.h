@@ -93,6 +93,10 @@ private:
     std::unordered_map<std::string, CPropertyEx::ExtraPtr> m_extras;
 };
 
+// False, with the reason, when a chain of parents loops or goes deeper than MaxItemDepth:
+// such a tree could not be shown, walked or written back.
+bool checkTreeDepth(const CCatalog::ItemMap& all, QString& why);
+
 // Parses `size` bytes of XML. `error` gets pugixml's message with line and column.
 bool parseDocument(pugi::xml_document& doc, const char* data, size_t size, bool forceUtf8,
                    QString& error);

@@ -315,19 +315,50 @@ bool ItemReader::readItems(pugi::xml_node parentNode, CCatalog::ItemMap& all,
         item->SetParentItem(parent->second);
         parent->second->AddSubItem(item);
     }
-    for (auto& [item, parentGuid] : m_pendingParents) {
-        // A chain of parents must end; a cycle would make the tree endless.
-        size_t steps = 0;
-        for (auto up = item->GetParentItem(); up; up = up->GetParentItem()) {
-            if (++steps > all.size()) {
-                m_error = QStringLiteral("item %1 is its own ancestor").arg(item->GetGUID());
-                return false;
-            }
-        }
+    // Only items written flat can form a loop or a chain deeper than nesting allows.
+    if (!m_pendingParents.empty() && !checkTreeDepth(all, m_error)) {
+        // The links made above hold each other: undo them, or the items are never freed.
+        for (const auto& entry : all)
+            entry.second->GetSubItems()->clear();
+        return false;
     }
     for (const auto& [guid, item] : all)
         if (!item->GetParentItem())
             roots.emplace_hint(roots.end(), guid, item);
+    return true;
+}
+
+bool checkTreeDepth(const CCatalog::ItemMap& all, QString& why)
+{
+    // Each item's depth is found once and remembered, so long chains cost no more than
+    // short ones. -1 marks an item on the chain being walked: meeting it again is a loop.
+    std::unordered_map<const CCatalogItem*, int> depths;
+    depths.reserve(all.size());
+    std::vector<const CCatalogItem*> chain;
+    for (const auto& [guid, item] : all) {
+        chain.clear();
+        int depth = -1;
+        for (boost::shared_ptr<CCatalogItem> at = item; at; at = at->GetParentItem()) {
+            const auto [known, added] = depths.emplace(at.get(), -1);
+            if (!added) {
+                if (known->second < 0) {
+                    why = QStringLiteral("item %1 is its own ancestor").arg(at->GetGUID());
+                    return false;
+                }
+                depth = known->second;
+                break;
+            }
+            chain.push_back(at.get());
+        }
+        for (auto below = chain.rbegin(); below != chain.rend(); ++below) {
+            depths[*below] = ++depth;
+            if (depth > MaxItemDepth) {
+                why = QStringLiteral("item %1 lies deeper than %2 levels below the top")
+                          .arg((*below)->GetGUID()).arg(MaxItemDepth);
+                return false;
+            }
+        }
+    }
     return true;
 }
 

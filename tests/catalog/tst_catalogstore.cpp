@@ -381,18 +381,22 @@ private slots:
 
     void failedSaveKeepsFiles_data()
     {
-        QTest::addColumn<bool>("readOnlyFolder"); // else: the drawing lies under a plain file
-        QTest::newRow("read-only store folder") << true;
-        QTest::newRow("drawing copy folder cannot be made") << false;
+        QTest::addColumn<QString>("cause");
+        QTest::addColumn<QString>("named"); // the file the message names
+        QTest::newRow("read-only store folder") << "read-only" << "sub/test.xml";
+        QTest::newRow("drawing copy folder cannot be made") << "drawing under a file" << "plain";
+        // Deeper than the reader takes: written, the catalog would no longer load.
+        QTest::newRow("tree too deep to read back") << "deep" << "sub/test.xml";
     }
 
     void failedSaveKeepsFiles()
     {
-        QFETCH(bool, readOnlyFolder);
+        QFETCH(QString, cause);
+        QFETCH(QString, named);
         SmallStore store;
         const QString catalogPath = store.path(QStringLiteral("sub/test.xml"));
         const QByteArray before = readAll(catalogPath);
-        if (!readOnlyFolder) {
+        if (cause == u"drawing under a file") {
             writeAll(store.path(QStringLiteral("plain")), "a file, not a folder");
             manager()->Configure(store.dir.path(), store.path(QStringLiteral("plain/crtež.dwg")));
         }
@@ -401,13 +405,18 @@ private slots:
         QVERIFY(catalog && copy);
         catalog->DeleteItem(QStringLiteral("{G1}"));
         add(*copy, QStringLiteral("{X}"), QStringLiteral("x"), false);
+        if (cause == u"deep") {
+            auto parent = add(*catalog, QStringLiteral("{D0}"), QStringLiteral("d"), true);
+            for (int level = 1; level <= 300; ++level)
+                parent = add(*catalog, QStringLiteral("{D%1}").arg(level), QStringLiteral("d"), true, parent);
+        }
 
         const QString folder = store.path(QStringLiteral("sub"));
-        if (readOnlyFolder) {
+        if (cause == u"read-only") {
             QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner);
             if (writesIgnorePermissions(folder)) {
                 QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-                QSKIP("running with rights that ignore folder permissions; the other row covers the failure");
+                QSKIP("running with rights that ignore folder permissions; the other rows cover the failure");
             }
         }
         const int saved = manager()->Save(QStringLiteral("TEST"), 1, 1);
@@ -415,7 +424,7 @@ private slots:
         QCOMPARE(saved, 0);
         const QString errors = manager()->TakeErrors().join(u'\n');
         QVERIFY2(errors.contains(QStringLiteral("Catalog TEST not saved")), qPrintable(errors));
-        QVERIFY2(errors.contains(readOnlyFolder ? catalogPath : store.path(QStringLiteral("plain"))), qPrintable(errors));
+        QVERIFY2(errors.contains(store.path(named)), qPrintable(errors));
         // What was saved before is whole, and no half-written file is left beside it.
         QCOMPARE(readAll(catalogPath), before);
         QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList{QStringLiteral("test.xml")});

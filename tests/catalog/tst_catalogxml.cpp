@@ -70,6 +70,20 @@ void fillSample(CCatalog& catalog)
     add(catalog, QStringLiteral("{A0000000-0000-0000-0000-000000000005}"), QStringLiteral("Stupovi"), true, {}, 1);
 }
 
+// Items {0}..{last}, each naming the one before as its parent, written flat and deepest
+// first; with `loop` the first names the last.
+QString flatChain(int last, bool loop)
+{
+    QString xml = QStringLiteral("<catalog ref=\"CHAIN\">");
+    for (int k = last; k >= 0; --k) {
+        xml += QStringLiteral("<i id=\"{%1}\"").arg(k);
+        if (k > 0 || loop)
+            xml += QStringLiteral(" p=\"{%1}\"").arg(k > 0 ? k - 1 : last);
+        xml += QStringLiteral("/>");
+    }
+    return xml + QStringLiteral("</catalog>");
+}
+
 } // namespace
 
 class TestCatalogXml : public QObject
@@ -202,6 +216,12 @@ private slots:
         QTest::newRow("unknown type") << QStringLiteral("<catalog><i id=\"{1}\"><c n=\"A\"><p t=\"X\" y=\"money\"/></c></i></catalog>") << "unknown property type";
         QTest::newRow("property without tag") << QStringLiteral("<catalog><i id=\"{1}\"><c n=\"A\"><p v=\"1\"/></c></i></catalog>") << "without a tag";
         QTest::newRow("parent cycle") << QStringLiteral("<catalog><i id=\"{1}\" p=\"{2}\"/><i id=\"{2}\" p=\"{1}\"/></catalog>") << "own ancestor";
+        QTest::newRow("own parent") << QStringLiteral("<catalog><i id=\"{1}\" p=\"{1}\"/></catalog>") << "{1} is its own ancestor";
+        QTest::newRow("parent nested inside its child") << QStringLiteral("<catalog><i id=\"{1}\" p=\"{2}\"><i id=\"{2}\"/></i></catalog>") << "own ancestor";
+        // Written flat, a chain has no nesting to limit it; it is held to the same depth.
+        QTest::newRow("parent chain deeper than nesting allows") << flatChain(300, false) << "{257} lies deeper than 256 levels";
+        QTest::newRow("loop at the top of a chain") << flatChain(256, true) << "own ancestor";
+        QTest::newRow("long chain into a loop") << flatChain(100000, true) << "own ancestor";
         QTest::newRow("newer format") << QStringLiteral("<catalog format=\"99\"/>") << "newer";
         QTest::newRow("format not a number") << QStringLiteral("<catalog format=\"2.0b\"/>") << "format=\"2.0b\" is not a format version";
         QTest::newRow("format zero") << QStringLiteral("<catalog format=\"0\"/>") << "not a format version";
@@ -223,6 +243,19 @@ private slots:
         QVERIFY(catalog.ParseXML(QStringLiteral("<catalog ref=\"CABLES\"/>")));
         QVERIFY(catalog.ParseError().isEmpty());
         QVERIFY(catalog.GetAllElementsMap()->empty());
+    }
+
+    void deepestFlatChainRoundTrip()
+    {
+        CCatalog catalog;
+        QVERIFY2(catalog.ParseXML(flatChain(256, false)), qPrintable(catalog.ParseError()));
+        int depth = 0;
+        for (auto up = catalog.GetItembyGuid(QStringLiteral("{256}"))->GetParentItem(); up; up = up->GetParentItem())
+            ++depth;
+        QCOMPARE(depth, 256);
+        CCatalog loaded;
+        QVERIFY2(loaded.ParseXMLBytes(catalog.GetXMLBytes()), qPrintable(loaded.ParseError()));
+        QCOMPARE(dump(loaded), dump(catalog));
     }
 
     void manyItemsRoundTrip()
