@@ -62,6 +62,18 @@ void printItem(QTextStream& out, CCatalogItem& item, int depth)
         printItem(out, *sub, depth + 1);
 }
 
+// Why the file at `path` cannot be read, or empty when it can.
+QString unreadableReason(const QString& path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return QStringLiteral("the file does not exist");
+    if (info.isDir())
+        return QStringLiteral("it is a folder, not a file");
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString() : file.errorString();
+}
+
 } // namespace
 
 int listRegistry(QTextStream& out, QTextStream& err)
@@ -95,13 +107,14 @@ int listRegistry(QTextStream& out, QTextStream& err)
             << padded(QString::number(templates.size()), 9) << "  " << flagsOf(*m) << '\n';
     }
     out.flush();
-    // The catalogs are not loaded here, but an entry without its file is a broken store.
+    // The catalogs are not loaded here, but an entry whose file cannot be read is a broken store.
     bool missing = false;
     for (const auto& m : registry) {
         const QString path = QDir(manager->RootFolder()).filePath(m->GetFileName());
-        if (!QFileInfo(path).isFile()) {
+        const QString why = unreadableReason(path);
+        if (!why.isEmpty()) {
             err << "zevxcatalog: catalog " << m->GetCatalogReference() << ": its file " << path
-                << " does not exist\n";
+                << " cannot be read: " << why << '\n';
             missing = true;
         }
     }
@@ -157,14 +170,7 @@ int validateFiles(const QStringList& files, QTextStream& out, QTextStream& err)
     int result = 0;
     for (const QString& path : files) {
         // A file that cannot be read is not called "not well formed": say why it cannot.
-        QFile file(path);
-        QString why;
-        if (!QFileInfo::exists(path))
-            why = QStringLiteral("the file does not exist");
-        else if (QFileInfo(path).isDir())
-            why = QStringLiteral("it is a folder, not a file");
-        else if (!file.open(QIODevice::ReadOnly))
-            why = file.errorString();
+        const QString why = unreadableReason(path);
         if (!why.isEmpty()) {
             err << "zevxcatalog: " << path << " cannot be read: " << why << '\n';
             result = 1;

@@ -17,13 +17,14 @@ private slots:
 void TestZevxCatalog::runs_data()
 {
     QTest::addColumn<QString>("breakFile"); // file of the store to overwrite, or ""
-    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("content"); // `folder`: the file becomes a folder
     QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QStringList>("out"); // pieces of standard output
     QTest::addColumn<QString>("err");     // a piece of standard error
 
     const QByteArray none;
+    const QByteArray folder("<folder>");
     // clang-format off
     QTest::newRow("list") << "" << none << QStringList{"--catalogs", "ROOT", "list"} << 0
         << QStringList{"CABLES        Kabeli", "drawing-version, max-depth=3",
@@ -76,7 +77,13 @@ void TestZevxCatalog::runs_data()
         << QByteArray("<registry><catalog reference=\"GONE\" file=\"gone.xml\"/>"
                       "<catalog reference=\"POLES\" file=\"poles.xml\"/></registry>")
         << QStringList{"--catalogs", "ROOT", "list"} << 1 << QStringList{"GONE", "POLES"}
-        << "catalog GONE: its file ROOT/gone.xml does not exist";
+        << "catalog GONE: its file ROOT/gone.xml cannot be read: the file does not exist";
+    QTest::newRow("registry entry naming a folder") << "poles.xml" << folder
+        << QStringList{"--catalogs", "ROOT", "list"} << 1 << QStringList{"POLES"}
+        << "catalog POLES: its file ROOT/poles.xml cannot be read: it is a folder, not a file";
+    QTest::newRow("show a catalog whose file is a folder") << "poles.xml" << folder
+        << QStringList{"--catalogs", "ROOT", "show", "POLES"} << 1 << QStringList{}
+        << "Catalog POLES: ROOT/poles.xml cannot be read";
     QTest::newRow("no command") << "" << none << QStringList{"--catalogs", "ROOT"} << 2
         << QStringList{} << "Usage:";
     QTest::newRow("unknown option") << "" << none << QStringList{"--colour", "list"} << 2
@@ -104,7 +111,12 @@ void TestZevxCatalog::runs()
         QVERIFY(QFile::copy(file, to));
         QFile::setPermissions(to, QFile::permissions(to) | QFile::WriteOwner);
     }
-    if (!breakFile.isEmpty())
+    if (content == "<folder>")
+    {
+        QVERIFY(QFile::remove(store.filePath(breakFile)));
+        QVERIFY(QDir().mkpath(store.filePath(breakFile)));
+    }
+    else if (!breakFile.isEmpty())
     {
         QFile file(store.filePath(breakFile));
         QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
