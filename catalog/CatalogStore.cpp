@@ -248,6 +248,11 @@ void CatalogStore::loadRegistry()
                                 : QStringLiteral("Catalog store %1: the folder does not exist").arg(m_root));
         return;
     }
+    if (!rootInfo.isReadable() || !rootInfo.isExecutable()) {
+        // Else the registry inside would be reported as missing.
+        error(QStringLiteral("Catalog store %1: the folder cannot be read (permission denied)").arg(m_root));
+        return;
+    }
     QByteArray bytes;
     QString problem;
     pugi::xml_document doc;

@@ -304,6 +304,7 @@ private slots:
         QTest::newRow("registry not a registry") << "registry.xml" << QByteArray("<catalog ref=\"X\"/>") << "is not a registry" << false;
         QTest::newRow("store folder missing") << "" << QByteArray("nowhere") << "nowhere: the folder does not exist" << false;
         QTest::newRow("store is a file") << "" << QByteArray("other.xml") << "other.xml: it is a file, not a folder" << false;
+        QTest::newRow("store folder unreadable") << "" << QByteArray("<unreadable>") << "the folder cannot be read" << false;
     }
 
     void brokenStores()
@@ -314,7 +315,13 @@ private slots:
         QFETCH(bool, registryReadable);
         SmallStore store;
         const QString path = store.path(file);
-        if (file.isEmpty()) { // the store itself is `content`
+        const auto permissions = QFile::permissions(store.dir.path());
+        const auto restore = qScopeGuard([&] { QFile::setPermissions(store.dir.path(), permissions); });
+        if (content == "<unreadable>") {
+            QFile::setPermissions(store.dir.path(), QFileDevice::Permissions());
+            if (QFileInfo(store.dir.path()).isReadable())
+                QSKIP("running with rights that ignore folder permissions");
+        } else if (file.isEmpty()) { // the store itself is `content`
             manager()->Configure(store.path(QString::fromUtf8(content)), store.drawing());
         } else if (content == "-") {
             QVERIFY(QFile::remove(path));
