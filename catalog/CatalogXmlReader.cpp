@@ -181,6 +181,54 @@ bool readableFormat(pugi::xml_node root, QString& why)
     return true;
 }
 
+namespace
+{
+
+// Where the first byte that cannot start or continue a UTF-8 sequence lies; `size` when
+// there is none. Overlong forms, surrogates and code points past U+10FFFF count as bad.
+size_t firstBadUtf8(const char* data, size_t size)
+{
+    const auto* bytes = reinterpret_cast<const unsigned char*>(data);
+    size_t i = 0;
+    while (i < size) {
+        // Mostly ASCII: eight bytes at a time while no high bit is set.
+        quint64 word;
+        if (i + 8 <= size && (std::memcpy(&word, bytes + i, 8), (word & 0x8080808080808080ULL) == 0)) {
+            i += 8;
+            continue;
+        }
+        const unsigned char lead = bytes[i];
+        if (lead < 0x80) {
+            ++i;
+            continue;
+        }
+        size_t length = 0;
+        unsigned char low = 0x80, high = 0xBF; // allowed range of the second byte
+        if (lead >= 0xC2 && lead <= 0xDF) {
+            length = 2;
+        } else if (lead >= 0xE0 && lead <= 0xEF) {
+            length = 3;
+            low = lead == 0xE0 ? 0xA0 : 0x80;
+            high = lead == 0xED ? 0x9F : 0xBF;
+        } else if (lead >= 0xF0 && lead <= 0xF4) {
+            length = 4;
+            low = lead == 0xF0 ? 0x90 : 0x80;
+            high = lead == 0xF4 ? 0x8F : 0xBF;
+        } else {
+            return i;
+        }
+        if (i + length > size || bytes[i + 1] < low || bytes[i + 1] > high)
+            return i;
+        for (size_t k = 2; k < length; ++k)
+            if ((bytes[i + k] & 0xC0) != 0x80)
+                return i;
+        i += length;
+    }
+    return size;
+}
+
+} // namespace
+
 bool parseDocument(pugi::xml_document& doc, const char* data, size_t size, bool forceUtf8,
                    QString& error)
 {
@@ -192,6 +240,17 @@ bool parseDocument(pugi::xml_document& doc, const char* data, size_t size, bool 
                     .arg(positionIn(data, size, result.offset),
                          QString::fromUtf8(result.description()));
         return false;
+    }
+    // The parser passes bytes through unchecked: a file in another 8-bit encoding would be
+    // read with its letters replaced, and saving would make that loss permanent.
+    if (!forceUtf8 && result.encoding == pugi::encoding_utf8) {
+        const size_t bad = firstBadUtf8(data, size);
+        if (bad < size) {
+            error = QStringLiteral("not UTF-8 text at %1 (byte 0x%2): the file must be saved as UTF-8")
+                        .arg(positionIn(data, size, ptrdiff_t(bad)),
+                             QString::number(static_cast<unsigned char>(data[bad]), 16).toUpper());
+            return false;
+        }
     }
     return true;
 }

@@ -258,6 +258,45 @@ private slots:
         QCOMPARE(dump(loaded), dump(catalog));
     }
 
+    void encodings_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("nameOrError"); // the item's name, or a piece of the error
+        QTest::addColumn<bool>("loads");
+        const QByteArray head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<catalog><i id=\"{1}\" n=\"";
+        const QByteArray tail = "\"/></catalog>";
+        const auto utf16 = [](const QString& text, QStringConverter::Encoding encoding) -> QByteArray {
+            QStringEncoder encoder(encoding, QStringEncoder::Flag::WriteBom);
+            return encoder.encode(text);
+        };
+        const QString declared16 = QStringLiteral("<?xml version=\"1.0\" encoding=\"UTF-16\"?><catalog><i id=\"{1}\" n=\"Stup Đakovo\"/></catalog>");
+        QTest::newRow("UTF-8 with BOM") << "\xEF\xBB\xBF" + head + "Stup Đakovo" + tail << "Stup Đakovo" << true;
+        QTest::newRow("UTF-8, four-byte letter") << head + "Stup \xF0\x9F\x97\xBC" + tail << QStringLiteral("Stup \U0001F5FC") << true;
+        QTest::newRow("UTF-16LE with BOM") << utf16(declared16, QStringConverter::Utf16LE) << "Stup Đakovo" << true;
+        QTest::newRow("UTF-16BE with BOM") << utf16(declared16, QStringConverter::Utf16BE) << "Stup Đakovo" << true;
+        QTest::newRow("ISO-8859-1 as declared") << QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><catalog><i id=\"{1}\" n=\"Caf\xE9\"/></catalog>") << "Café" << true;
+        // Read as UTF-8, these would come back with their letters replaced.
+        QTest::newRow("windows-1250 declared") << QByteArray("<?xml version=\"1.0\" encoding=\"windows-1250\"?>\n<catalog><i id=\"{1}\" n=\"Stup \xC8\"/></catalog>") << "not UTF-8 text at line 2, column 30 (byte 0xC8)" << false;
+        QTest::newRow("8-bit letter in UTF-8") << head + "Caf\xE9" + tail << "(byte 0xE9)" << false;
+        QTest::newRow("sequence cut short") << head + "Stup \xC4" + tail << "(byte 0xC4)" << false;
+        QTest::newRow("overlong form") << head + "\xC0\xAF" + tail << "(byte 0xC0)" << false;
+        QTest::newRow("surrogate") << head + "\xED\xA0\x80" + tail << "(byte 0xED)" << false;
+        QTest::newRow("past U+10FFFF") << head + "\xF4\x90\x80\x80" + tail << "(byte 0xF4)" << false;
+    }
+
+    void encodings()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, nameOrError);
+        QFETCH(bool, loads);
+        CCatalog catalog;
+        QCOMPARE(catalog.ParseXMLBytes(bytes), int(loads));
+        if (loads)
+            QCOMPARE(catalog.GetItembyGuid(QStringLiteral("{1}"))->GetName(), nameOrError);
+        else
+            QVERIFY2(catalog.ParseError().contains(nameOrError), qPrintable(catalog.ParseError()));
+    }
+
     void manyItemsRoundTrip()
     {
         // Enough items for the reader's shortcuts to set in: values that repeat and values
