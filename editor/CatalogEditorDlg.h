@@ -110,6 +110,7 @@ public slots:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
@@ -123,6 +124,7 @@ private:
     void LoadTexts();
     void SetTabOrder();
     void OnSplitterMoved(int delta);
+    void KeepSplitterRangeWithBar();
 
     // Start-up and catalog choice (CatalogEditorDlg.cpp)
     void FillCatalogCombo();
@@ -183,6 +185,9 @@ private:
     CPictureBox* m_pictureBox = nullptr;
     int m_pictureDrawMode = 2;
     CSplitterControl* m_splitter = nullptr;
+    // Where the bar was last placed by the layout or a drag; a move the anchors made since
+    // shifts its range with it.
+    int m_splitterTop = 0;
     CResizeAnchors* m_anchors = nullptr;
     ZEVGis::Editor::TreeImageList m_images;
 

@@ -191,6 +191,7 @@ void CCatalogEditorDlg::CreateSplitter()
     // Twenty pixels either side of where the bar starts, in the dialog's coordinates.
     const int centre = m_splitter->geometry().center().y();
     m_splitter->SetRange(centre - 20, centre + 20);
+    m_splitterTop = m_splitter->y();
     connect(m_splitter, &CSplitterControl::splitterMoved, this,
             [this](int, int delta) { OnSplitterMoved(delta); });
 }
@@ -200,7 +201,28 @@ void CCatalogEditorDlg::OnSplitterMoved(int delta)
     CSplitterControl::ChangeHeight(m_drawingTree, delta, CSplitterControl::BottomEdge);
     CSplitterControl::ChangeHeight(m_catalogTree, -delta, CSplitterControl::TopEdge);
     CSplitterControl::ChangePos(Button(Ids::BtnAddToApp), 0, delta);
+    m_splitterTop = m_splitter->y();
     update();
+}
+
+void CCatalogEditorDlg::resizeEvent(QResizeEvent* event)
+{
+    QDialog::resizeEvent(event);
+    // The anchors have already placed the controls for the new size.
+    KeepSplitterRangeWithBar();
+}
+
+// The range stays twenty pixels either side of where the layout puts the bar: left where it
+// was, a bar the anchors moved down on a taller dialog would jump back up at the next drag.
+void CCatalogEditorDlg::KeepSplitterRangeWithBar()
+{
+    if (!m_splitter)
+        return;
+    const int shift = m_splitter->y() - m_splitterTop;
+    if (shift == 0)
+        return;
+    m_splitter->SetRange(m_splitter->minimum() + shift, m_splitter->maximum() + shift);
+    m_splitterTop = m_splitter->y();
 }
 
 void CCatalogEditorDlg::SetUpResizing()
@@ -238,6 +260,7 @@ void CCatalogEditorDlg::SetUpResizing()
             m_anchors->setResize(id, rule.left, rule.top, rule.right, rule.bottom);
     resize(requested);
     m_anchors->apply();
+    KeepSplitterRangeWithBar();
 }
 
 void CCatalogEditorDlg::LoadIcons()
