@@ -5,6 +5,7 @@
 #include "host/HostServices.h"
 
 #include <QApplication>
+#include <QHeaderView>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -87,6 +88,11 @@ CatalogTreeWidget::CatalogTreeWidget(QWidget* parent) : QTreeWidget(parent)
     setIconSize(QSize(24, 24));
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setSelectionMode(QAbstractItemView::SingleSelection);
+    header()->setStretchLastSection(false);
+    for (auto shown : {&QTreeView::expanded, &QTreeView::collapsed})
+        connect(this, shown, this, &CatalogTreeWidget::fitColumnToNames);
+    connect(model(), &QAbstractItemModel::dataChanged, this, &CatalogTreeWidget::fitColumnToNames);
+    connect(model(), &QAbstractItemModel::rowsInserted, this, &CatalogTreeWidget::fitColumnToNames);
     // A drag holds rows; whatever removes rows ends it first.
     connect(model(), &QAbstractItemModel::rowsAboutToBeRemoved, this, [this] { endItemDrag(); });
     connect(model(), &QAbstractItemModel::modelAboutToBeReset, this, [this] { endItemDrag(); });
@@ -124,8 +130,20 @@ QTreeWidgetItem* CatalogTreeWidget::fill(Data::CCatalog* catalog, const QString&
     if (sortTarget)
         sortTarget->sortRootChildrenByOrder();
     root->setExpanded(true);
+    fitColumnToNames();
     setUpdatesEnabled(true);
     return root;
+}
+
+void CatalogTreeWidget::fitColumnToNames()
+{
+    header()->resizeSection(0, std::max(sizeHintForColumn(0), viewport()->width()));
+}
+
+void CatalogTreeWidget::resizeEvent(QResizeEvent* event)
+{
+    QTreeWidget::resizeEvent(event);
+    fitColumnToNames();
 }
 
 void CatalogTreeWidget::sortRootChildrenByOrder()

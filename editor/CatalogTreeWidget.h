@@ -87,6 +87,10 @@ public:
     // The row a drop would go to now (highlighted, with the insert mark below it).
     QTreeWidgetItem* dropRow() const { return m_dropRow; }
 
+    // Widens the column to the longest name shown (at least the view's width), so that long
+    // names scroll sideways instead of being cut short.
+    void fitColumnToNames();
+
 signals:
     // The label editor of `row` closed, with the new text accepted (the row's text) or
     // cancelled (the old text is back).
@@ -100,6 +104,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
                  const QModelIndex& index) const override;
 
