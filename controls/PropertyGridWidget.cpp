@@ -8,6 +8,7 @@
 #include <QActionGroup>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QStyle>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -101,6 +102,17 @@ void PropertyGridView::keyPressEvent(QKeyEvent* event)
         return;
     }
     QTreeView::keyPressEvent(event);
+}
+
+void PropertyGridView::mousePressEvent(QMouseEvent* event)
+{
+    // The box takes the click for itself, which would leave the selection on another row:
+    // Space and the owner's picture would then go to a property the user did not touch.
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (event->button() == Qt::LeftButton && index.isValid() &&
+        (model()->flags(index) & Qt::ItemIsUserCheckable) && index != currentIndex())
+        setCurrentIndex(index);
+    QTreeView::mousePressEvent(event);
 }
 
 void PropertyGridView::resizeEvent(QResizeEvent* event)

@@ -13,8 +13,8 @@ class QToolBar;
 
 // The tree of the property grid. Editing a row always edits its value, whichever column was
 // clicked or is current: F2, Enter, a double click or typing open the editor, Escape cancels
-// it. A yes/no value has no editor: Space, F2, Enter or a click on its box toggles it. Enter
-// on a category folds or unfolds it.
+// it. A yes/no value has no editor: Space, F2, Enter or a click on its box toggles it (and
+// makes its row the current one). Enter on a category folds or unfolds it.
 class PropertyGridView : public QTreeView
 {
     Q_OBJECT
@@ -32,6 +32,7 @@ protected:
     bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
     void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
