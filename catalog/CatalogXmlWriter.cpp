@@ -53,7 +53,7 @@ void XmlOut::escaped(QStringView text)
 
 void XmlOut::declaration()
 {
-    m_out.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+    m_out.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"); // each element starts its own line
 }
 
 void XmlOut::start(const char* name)
