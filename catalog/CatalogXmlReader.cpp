@@ -145,25 +145,6 @@ private:
     size_t m_misses = 0;
 };
 
-QString positionIn(const char* text, size_t size, ptrdiff_t offset)
-{
-    if (!text || offset < 0)
-        return QStringLiteral("unknown position");
-    const size_t end = std::min(size, size_t(offset));
-    int line = 1;
-    int column = 1;
-    for (size_t i = 0; i < end; ++i) {
-        const unsigned char c = static_cast<unsigned char>(text[i]);
-        if (c == '\n') {
-            ++line;
-            column = 1;
-        } else if ((c & 0xC0) != 0x80) { // count characters, not UTF-8 continuation bytes
-            ++column;
-        }
-    }
-    return QStringLiteral("line %1, column %2").arg(line).arg(column);
-}
-
 bool readableFormat(pugi::xml_node root, QString& why)
 {
     const pugi::xml_attribute attribute = root.attribute("format");
@@ -177,80 +158,6 @@ bool readableFormat(pugi::xml_node root, QString& why)
         why = QStringLiteral("format %1 is newer than this program reads (%2)")
                   .arg(format).arg(FormatVersion);
         return false;
-    }
-    return true;
-}
-
-namespace
-{
-
-// Where the first byte that cannot start or continue a UTF-8 sequence lies; `size` when
-// there is none. Overlong forms, surrogates and code points past U+10FFFF count as bad.
-size_t firstBadUtf8(const char* data, size_t size)
-{
-    const auto* bytes = reinterpret_cast<const unsigned char*>(data);
-    size_t i = 0;
-    while (i < size) {
-        // Mostly ASCII: eight bytes at a time while no high bit is set.
-        quint64 word;
-        if (i + 8 <= size && (std::memcpy(&word, bytes + i, 8), (word & 0x8080808080808080ULL) == 0)) {
-            i += 8;
-            continue;
-        }
-        const unsigned char lead = bytes[i];
-        if (lead < 0x80) {
-            ++i;
-            continue;
-        }
-        size_t length = 0;
-        unsigned char low = 0x80, high = 0xBF; // allowed range of the second byte
-        if (lead >= 0xC2 && lead <= 0xDF) {
-            length = 2;
-        } else if (lead >= 0xE0 && lead <= 0xEF) {
-            length = 3;
-            low = lead == 0xE0 ? 0xA0 : 0x80;
-            high = lead == 0xED ? 0x9F : 0xBF;
-        } else if (lead >= 0xF0 && lead <= 0xF4) {
-            length = 4;
-            low = lead == 0xF0 ? 0x90 : 0x80;
-            high = lead == 0xF4 ? 0x8F : 0xBF;
-        } else {
-            return i;
-        }
-        if (i + length > size || bytes[i + 1] < low || bytes[i + 1] > high)
-            return i;
-        for (size_t k = 2; k < length; ++k)
-            if ((bytes[i + k] & 0xC0) != 0x80)
-                return i;
-        i += length;
-    }
-    return size;
-}
-
-} // namespace
-
-bool parseDocument(pugi::xml_document& doc, const char* data, size_t size, bool forceUtf8,
-                   QString& error)
-{
-    error.clear();
-    const pugi::xml_parse_result result = doc.load_buffer(
-        data, size, pugi::parse_default, forceUtf8 ? pugi::encoding_utf8 : pugi::encoding_auto);
-    if (!result) {
-        error = QStringLiteral("not well-formed XML at %1: %2")
-                    .arg(positionIn(data, size, result.offset),
-                         QString::fromUtf8(result.description()));
-        return false;
-    }
-    // The parser passes bytes through unchecked: a file in another 8-bit encoding would be
-    // read with its letters replaced, and saving would make that loss permanent.
-    if (!forceUtf8 && result.encoding == pugi::encoding_utf8) {
-        const size_t bad = firstBadUtf8(data, size);
-        if (bad < size) {
-            error = QStringLiteral("not UTF-8 text at %1 (byte 0x%2): the file must be saved as UTF-8")
-                        .arg(positionIn(data, size, ptrdiff_t(bad)),
-                             QString::number(static_cast<unsigned char>(data[bad]), 16).toUpper());
-            return false;
-        }
     }
     return true;
 }
@@ -384,40 +291,6 @@ bool ItemReader::readItems(pugi::xml_node parentNode, CCatalog::ItemMap& all,
     for (const auto& [guid, item] : all)
         if (!item->GetParentItem())
             roots.emplace_hint(roots.end(), guid, item);
-    return true;
-}
-
-bool checkTreeDepth(const CCatalog::ItemMap& all, QString& why)
-{
-    // Each item's depth is found once and remembered, so long chains cost no more than
-    // short ones. -1 marks an item on the chain being walked: meeting it again is a loop.
-    std::unordered_map<const CCatalogItem*, int> depths;
-    depths.reserve(all.size());
-    std::vector<const CCatalogItem*> chain;
-    for (const auto& [guid, item] : all) {
-        chain.clear();
-        int depth = -1;
-        for (boost::shared_ptr<CCatalogItem> at = item; at; at = at->GetParentItem()) {
-            const auto [known, added] = depths.emplace(at.get(), -1);
-            if (!added) {
-                if (known->second < 0) {
-                    why = QStringLiteral("item %1 is its own ancestor").arg(at->GetGUID());
-                    return false;
-                }
-                depth = known->second;
-                break;
-            }
-            chain.push_back(at.get());
-        }
-        for (auto below = chain.rbegin(); below != chain.rend(); ++below) {
-            depths[*below] = ++depth;
-            if (depth > MaxItemDepth) {
-                why = QStringLiteral("item %1 lies deeper than %2 levels below the top")
-                          .arg((*below)->GetGUID()).arg(MaxItemDepth);
-                return false;
-            }
-        }
-    }
     return true;
 }
 

@@ -4,6 +4,9 @@
 
 #include "catalog/Catalog.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <boost/make_shared.hpp>
 
 namespace CatalogTest
@@ -45,6 +48,28 @@ inline boost::shared_ptr<CCatalogItem> add(CCatalog& catalog, const QString& gui
     }
     catalog.AddItem(item);
     return item;
+}
+
+inline QByteArray readAll(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+inline bool writeAll(const QString& path, const QByteArray& bytes)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+// True when this process can write into a folder it made read-only (it runs as root).
+inline bool writesIgnorePermissions(const QString& folder)
+{
+    QFile probe(folder + QStringLiteral("/.probe"));
+    const bool wrote = probe.open(QIODevice::WriteOnly);
+    probe.remove();
+    return wrote;
 }
 
 } // namespace CatalogTest

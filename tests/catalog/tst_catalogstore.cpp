@@ -23,19 +23,6 @@ void captureWarnings(QtMsgType type, const QMessageLogContext& context, const QS
         g_warnings << message;
 }
 
-QByteArray readAll(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-bool writeAll(const QString& path, const QByteArray& bytes)
-{
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
 CCatalogManager* manager()
 {
     return CCatalogManager::Instance();
@@ -98,15 +85,6 @@ struct SmallStore
     QString drawing() const { return dir.filePath(QStringLiteral("crteži/Trafostanica Đakovo.dwg")); }
     QString path(const QString& name) const { return dir.filePath(name); }
 };
-
-// True when this process can write into a folder it made read-only (it runs as root).
-bool writesIgnorePermissions(const QString& folder)
-{
-    QFile probe(folder + QStringLiteral("/.probe"));
-    const bool wrote = probe.open(QIODevice::WriteOnly);
-    probe.remove();
-    return wrote;
-}
 
 } // namespace
 
