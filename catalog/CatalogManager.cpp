@@ -79,6 +79,11 @@ QString CCatalogManager::DrawingPath() const
     return const_cast<CCatalogManager*>(this)->store().drawingPath();
 }
 
+QString CCatalogManager::CatalogFilePath(const CCatalogMetadata& metadata) const
+{
+    return const_cast<CCatalogManager*>(this)->store().catalogPath(metadata);
+}
+
 void CCatalogManager::InitGdiPlus()
 {
     // Pictures are drawn with Qt, which needs no start-up.

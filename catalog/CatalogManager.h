@@ -29,6 +29,8 @@ public:
     void Configure(const QString& rootFolder, const QString& drawingPath = QString());
     QString RootFolder() const;
     QString DrawingPath() const;
+    // The file of a registered catalog, as the store reads and writes it.
+    QString CatalogFilePath(const CCatalogMetadata& metadata) const;
 
     void InitGdiPlus();
     void KillGdiPlus();

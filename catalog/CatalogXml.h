@@ -105,9 +105,9 @@ QString positionIn(const char* text, size_t size, ptrdiff_t offset);
 // reads (absent means 1): a later file is refused rather than misread.
 bool readableFormat(pugi::xml_node root, QString& why);
 
-// A small XML writer straight into UTF-8 bytes. QXmlStreamWriter needed ~6 s for a
-// 100,000-entry catalog here (README, "Catalog library benchmark"); this needs a tenth of a
-// second. One element per line, indented by depth.
+// A small XML writer straight into UTF-8 bytes: QXmlStreamWriter takes over twice as long
+// for a 100,000-entry catalog (README, "Catalog library benchmark"). One element per line,
+// indented by depth.
 class XmlOut
 {
 public:

@@ -91,7 +91,12 @@ CatalogTreeWidget::CatalogTreeWidget(QWidget* parent) : QTreeWidget(parent)
     header()->setStretchLastSection(false);
     for (auto shown : {&QTreeView::expanded, &QTreeView::collapsed})
         connect(this, shown, this, &CatalogTreeWidget::fitColumnToNames);
-    connect(model(), &QAbstractItemModel::dataChanged, this, &CatalogTreeWidget::fitColumnToNames);
+    // Only a changed name can change the width; icons (default marks) come by the thousand.
+    connect(model(), &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex&, const QModelIndex&, const QList<int>& roles) {
+                if (roles.isEmpty() || roles.contains(Qt::DisplayRole))
+                    fitColumnToNames();
+            });
     connect(model(), &QAbstractItemModel::rowsInserted, this, &CatalogTreeWidget::fitColumnToNames);
     // A drag holds rows; whatever removes rows ends it first.
     connect(model(), &QAbstractItemModel::rowsAboutToBeRemoved, this, [this] { endItemDrag(); });

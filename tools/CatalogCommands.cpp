@@ -3,7 +3,6 @@
 #include "catalog/CatalogManager.h"
 #include "xml/XmlDocument.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -110,7 +109,7 @@ int listRegistry(QTextStream& out, QTextStream& err)
     // The catalogs are not loaded here, but an entry whose file cannot be read is a broken store.
     bool missing = false;
     for (const auto& m : registry) {
-        const QString path = QDir(manager->RootFolder()).filePath(m->GetFileName());
+        const QString path = manager->CatalogFilePath(*m);
         const QString why = unreadableReason(path);
         if (!why.isEmpty()) {
             err << "zevxcatalog: catalog " << m->GetCatalogReference() << ": its file " << path
