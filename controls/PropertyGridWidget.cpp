@@ -127,15 +127,15 @@ void PropertyGridView::fitToRows()
 {
     if (!model())
         return;
-    for (int row = 0; row < model()->rowCount(); ++row)
-        setFirstColumnSpanned(row, {}, model()->index(row, 0).data(PropertyGridModel::IsCategoryRole).toBool());
     // A top-level row is indented once (the fold marks), a property in a category twice.
     const int width = viewport()->width();
     int captions = 0;
     for (int row = 0; row < model()->rowCount(); ++row)
     {
         const QModelIndex top = model()->index(row, PropertyGridModel::CaptionColumn);
-        if (!top.data(PropertyGridModel::IsCategoryRole).toBool())
+        const bool category = top.data(PropertyGridModel::IsCategoryRole).toBool();
+        setFirstColumnSpanned(row, {}, category);
+        if (!category)
             captions = qMax(captions, sizeHintForIndex(top).width() + indentation());
         for (int child = 0; child < model()->rowCount(top); ++child)
             captions = qMax(captions, sizeHintForIndex(model()->index(child, 0, top)).width() + 2 * indentation());
