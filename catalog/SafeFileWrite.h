@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <memory>
+
+class QSaveFile;
+
+namespace ZEVGis::Data
+{
+
+// Every file the project writes goes through here: the bytes go to a temporary file beside
+// the target, every byte is checked on its way to the disk, and only then is the file put in
+// place. A failure (full disk, read-only folder, missing folder) leaves the old file exactly
+// as it was and no temporary file behind; error() then says which file and why.
+//
+// Two steps, so several files can be written first and put in place together.
+class SafeFileWrite
+{
+public:
+    explicit SafeFileWrite(const QString& path);
+    // A write that was not committed is dropped with its temporary file.
+    ~SafeFileWrite();
+    SafeFileWrite(const SafeFileWrite&) = delete;
+    SafeFileWrite& operator=(const SafeFileWrite&) = delete;
+
+    QString path() const { return m_path; }
+    // Writes all of `bytes` to the temporary file and makes sure they reached the disk.
+    bool write(const QByteArray& bytes);
+    // Puts the written file in place of the target.
+    bool commit();
+    // Which file and why, after a failed write() or commit().
+    QString error() const { return m_error; }
+
+private:
+    bool fail(const QString& why);
+
+    QString m_path;
+    QString m_error;
+    std::unique_ptr<QSaveFile> m_file;
+    bool m_written = false;
+};
+
+// The one-call form: true when `path` now holds exactly `bytes`; otherwise false, the old
+// file untouched, and `why` says which file and why.
+bool WriteFileSafely(const QString& path, const QByteArray& bytes, QString& why);
+
+} // namespace ZEVGis::Data

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "catalog/CatalogItem.h"
+#include "repository/NetCatalogueItem.h"
+
+#include <QString>
+#include <boost/shared_ptr.hpp>
+#include <memory>
+#include <vector>
+
+namespace Repository
+{
+
+class RepositoryStore;
+
+// The client of the network catalog repository that a team shares: SQLite as the embedded
+// default, PostgreSQL for a shared server, one QtSql code path for both (README,
+// "Network repository").
+//
+// URL forms: "sqlite:PATH", "postgresql://[user[:password]@]host[:port]/dbname[?...]",
+// "none". Without Configure the client configures itself on first use from
+// ZEVX_REPOSITORY, else the default SQLite file in the user's data folder.
+class CRepositoryStorageManager
+{
+public:
+    static CRepositoryStorageManager* Instance();
+
+    // Connects to the repository at `url`, dropping any earlier connection. Non-zero when
+    // the repository is ready; otherwise 0 and one line (URL without its password, what
+    // failed) in the log and on standard error.
+    int Configure(const QString& url);
+    // The URL in use, without its password.
+    QString DisplayUrl() const;
+    // Why the last call failed, empty after a success (never holds a password).
+    QString LastError() const;
+
+    // Non-zero when the client is set up and connected once.
+    int IsInitialized();
+    // Non-zero while the connection is good. Costs no round trip: it turns 0 when a
+    // statement fails with a connection error and stays 0 until a reconnection succeeds.
+    int IsRepositoryAccessible();
+
+    // Records under `parentId` (empty: the top-level records) of the catalog, in
+    // order-number order, then name. Non-zero on success.
+    int GetChildCatalogItems(const QString& catalogReference, const QString& parentId,
+                             std::vector<boost::shared_ptr<CNetCatalogueItem>>& out, int);
+    // The record as a full catalog item (properties, picture, flags, order number, parent
+    // GUID); empty when the record is not there.
+    boost::shared_ptr<ZEVGis::Data::CCatalogItem> GetCatalogItemById(const QString& catalogReference,
+                                                                      const QString& catalogueId, int);
+    // Adds or replaces the record (its revision goes up). flag 0: the item alone; 1: the item
+    // and all its descendants, in one transaction. Non-zero when everything arrived.
+    int AddCatalogItem(const QString& catalogReference, const QString& catalogName,
+                       boost::shared_ptr<ZEVGis::Data::CCatalogItem> item, int flag);
+    // Deletes the record; 0 while it still has child records. A record that is not there
+    // counts as deleted.
+    int DeleteCatalogItem(const QString& catalogReference, const QString& catalogueId);
+
+    ~CRepositoryStorageManager();
+
+private:
+    CRepositoryStorageManager();
+    void configureOnFirstUse();
+
+    std::unique_ptr<RepositoryStore> m_store;
+    bool m_configured = false;
+};
+
+} // namespace Repository
