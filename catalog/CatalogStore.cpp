@@ -1,11 +1,11 @@
 #include "catalog/CatalogStore.h"
 #include "catalog/CatalogXml.h"
+#include "catalog/SafeFileWrite.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <boost/make_shared.hpp>
 #include <cstring>
 
@@ -146,12 +146,9 @@ bool CatalogStore::seedFromSamples(const QString& folder, QString& why)
             why = QStringLiteral("cannot create the folder %1").arg(QFileInfo(target).absolutePath());
             return false;
         }
-        if (!QFile::copy(source, target)) {
-            why = QStringLiteral("cannot copy %1 to %2").arg(source, target);
+        QByteArray bytes;
+        if (!readFile(source, bytes, why) || !WriteFileSafely(target, bytes, why))
             return false;
-        }
-        // Resources are read-only; the copies are the user's to edit.
-        QFile::setPermissions(target, QFile::permissions(target) | QFile::WriteOwner | QFile::ReadOwner);
     }
     return true;
 }
@@ -397,18 +394,6 @@ boost::shared_ptr<CCatalog> CatalogStore::catalog(const QString& reference, int 
     return entry->drawingCopy;
 }
 
-namespace
-{
-
-// A file written through QSaveFile but not yet put in place.
-struct PendingWrite
-{
-    QString label;
-    std::unique_ptr<QSaveFile> file;
-};
-
-} // namespace
-
 int CatalogStore::save(const QString& reference, bool saveCatalog, bool saveDrawingCopy)
 {
     loadRegistry();
@@ -425,7 +410,7 @@ int CatalogStore::save(const QString& reference, bool saveCatalog, bool saveDraw
 
     // Write every file beside its target first; only when all are written are they put in
     // place, so a failure leaves both files as they were.
-    std::vector<PendingWrite> pending;
+    std::vector<std::unique_ptr<SafeFileWrite>> pending;
     for (const auto& [path, catalog] : targets) {
         const QString folder = QFileInfo(path).absolutePath();
         if (!QDir().mkpath(folder)) {
@@ -440,21 +425,19 @@ int CatalogStore::save(const QString& reference, bool saveCatalog, bool saveDraw
                       .arg(entry->metadata->reference, path, why));
             return 0;
         }
-        auto file = std::make_unique<QSaveFile>(path);
-        const QByteArray bytes = catalog->GetXMLBytes();
-        if (!file->open(QIODevice::WriteOnly) || file->write(bytes) != bytes.size()) {
-            error(QStringLiteral("Catalog %1 not saved to %2: %3; the file on disk is unchanged")
-                      .arg(entry->metadata->reference, path, file->errorString()));
-            file->cancelWriting();
+        auto file = std::make_unique<SafeFileWrite>(path);
+        if (!file->write(catalog->GetXMLBytes())) {
+            error(QStringLiteral("Catalog %1 not saved: %2; the file on disk is unchanged")
+                      .arg(entry->metadata->reference, file->error()));
             return 0;
         }
-        pending.push_back({path, std::move(file)});
+        pending.push_back(std::move(file));
     }
     int result = 1;
-    for (PendingWrite& write : pending) {
-        if (!write.file->commit()) {
-            error(QStringLiteral("Catalog %1 not saved to %2: %3; the file on disk is unchanged")
-                      .arg(entry->metadata->reference, write.label, write.file->errorString()));
+    for (auto& file : pending) {
+        if (!file->commit()) {
+            error(QStringLiteral("Catalog %1 not saved: %2; the file on disk is unchanged")
+                      .arg(entry->metadata->reference, file->error()));
             result = 0;
         }
     }

@@ -25,20 +25,24 @@ public:
     SafeFileWrite& operator=(const SafeFileWrite&) = delete;
 
     QString path() const { return m_path; }
-    // Writes all of `bytes` to the temporary file and makes sure they reached the disk.
+    // Writes all of `bytes` to the temporary file (after what earlier calls wrote) and makes
+    // sure they reached the disk. After a failure the temporary file is gone.
     bool write(const QByteArray& bytes);
     // Puts the written file in place of the target.
     bool commit();
-    // Which file and why, after a failed write() or commit().
+    // Which file and why (full disk, read-only file system or file, missing folder, no
+    // permission, else the system's reason), after a failed write() or commit().
     QString error() const { return m_error; }
 
 private:
-    bool fail(const QString& why);
+    // Drops the temporary file, then tells why from the state of the disk.
+    bool fail(const QString& systemReason, qint64 needed);
+    void drop();
 
     QString m_path;
     QString m_error;
     std::unique_ptr<QSaveFile> m_file;
-    bool m_written = false;
+    qint64 m_written = 0;
 };
 
 // The one-call form: true when `path` now holds exactly `bytes`; otherwise false, the old

@@ -3,10 +3,10 @@
 #include "bench/catalog/CatalogGenerator.h"
 #include "catalog/CatalogManager.h"
 #include "catalog/CatalogStore.h"
+#include "catalog/SafeFileWrite.h"
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <QTemporaryDir>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
@@ -53,11 +53,9 @@ void BM_LoadCatalogFromFile(benchmark::State& state)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("bench.xml"));
-    {
-        QFile file(path);
-        file.open(QIODevice::WriteOnly);
-        file.write(catalogBytes());
-    }
+    QString why;
+    if (!ZEVGis::Data::WriteFileSafely(path, catalogBytes(), why))
+        state.SkipWithError(qPrintable(why));
     for (auto _ : state) {
         QFile file(path);
         file.open(QIODevice::ReadOnly);
@@ -106,9 +104,9 @@ void BM_ManagerCatalogAndDrawingCopy(benchmark::State& state)
         {dir.filePath(QStringLiteral("bench.xml")), catalogBytes()},
         {drawing + QStringLiteral(".catalogs/bench.xml"), catalogBytes()}};
     for (const auto& [path, bytes] : files) {
-        QFile file(path);
-        file.open(QIODevice::WriteOnly);
-        file.write(bytes);
+        QString why;
+        if (!WriteFileSafely(path, bytes, why))
+            state.SkipWithError(qPrintable(why));
     }
     CCatalogManager* manager = CCatalogManager::Instance();
     for (auto _ : state) {
@@ -134,11 +132,9 @@ void BM_SaveCatalog(benchmark::State& state)
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("bench.xml"));
     for (auto _ : state) {
-        QSaveFile file(path);
-        file.open(QIODevice::WriteOnly);
-        file.write(catalog.GetXMLBytes());
-        if (!file.commit())
-            state.SkipWithError("write failed");
+        QString why;
+        if (!ZEVGis::Data::WriteFileSafely(path, catalog.GetXMLBytes(), why))
+            state.SkipWithError(qPrintable(why));
     }
     state.counters["entries"] = Entries;
 }

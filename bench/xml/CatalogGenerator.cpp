@@ -1,4 +1,5 @@
 #include "CatalogGenerator.h"
+#include "catalog/SafeFileWrite.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -112,9 +113,7 @@ private:
 bool WriteCatalogFile(const std::string& path, size_t targetBytes)
 {
     const std::string text = Generator(targetBytes).Catalog();
-    FILE* file = std::fopen(path.c_str(), "wb");
-    if (!file)
-        return false;
-    const bool written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    return std::fclose(file) == 0 && written;
+    QString why;
+    return ZEVGis::Data::WriteFileSafely(QString::fromStdString(path),
+                                         QByteArray::fromRawData(text.data(), qsizetype(text.size())), why);
 }

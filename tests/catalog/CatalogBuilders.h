@@ -3,6 +3,7 @@
 // Small catalogs for the catalog library's tests.
 
 #include "catalog/Catalog.h"
+#include "catalog/SafeFileWrite.h"
 
 #include <QDir>
 #include <QFile>
@@ -59,8 +60,11 @@ inline QByteArray readAll(const QString& path)
 inline bool writeAll(const QString& path, const QByteArray& bytes)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+    QString why;
+    if (WriteFileSafely(path, bytes, why))
+        return true;
+    qWarning().noquote() << why;
+    return false;
 }
 
 // True when this process can write into a folder it made read-only (it runs as root).

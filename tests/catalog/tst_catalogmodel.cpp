@@ -395,9 +395,7 @@ private slots:
         QFETCH(QSize, expected);
         QTemporaryDir dir;
         auto write = [&](const QString& name, const QByteArray& bytes) {
-            QFile f(dir.filePath(name));
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write(bytes);
+            QVERIFY(writeAll(dir.filePath(name), bytes));
         };
         write(QStringLiteral("wide.svg"), "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"200\" height=\"100\"><rect width=\"200\" height=\"100\" fill=\"red\"/></svg>");
         write(QStringLiteral("broken.svg"), "<svg><rect");

@@ -2,10 +2,10 @@
 
 #include "catalog/CatalogManager.h"
 #include "catalog/CatalogStore.h"
+#include "catalog/SafeFileWrite.h"
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
 #include <boost/make_shared.hpp>
 
 using namespace ZEVGis::Data;
@@ -16,11 +16,11 @@ namespace
 bool writeFile(const QString& path, const QByteArray& bytes)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    file.write(bytes);
-    return file.commit();
+    QString why;
+    if (WriteFileSafely(path, bytes, why))
+        return true;
+    qWarning().noquote() << why;
+    return false;
 }
 
 } // namespace
