@@ -43,17 +43,28 @@ bool Holds(const CCatalog& catalog, const CCatalogItem& entry)
     return catalog.GetItembyGuid(entry.GetGUID()) != nullptr;
 }
 
+ItemPtr Copy(CCatalog& target, CCatalogItem& entry, const ItemPtr& parent,
+             std::vector<ItemPtr>* made)
+{
+    ItemPtr copy = CopyEntryInto(target, entry, parent);
+    if (made)
+        made->push_back(copy);
+    return copy;
+}
+
 // Copies those direct sub-items of `entry` that `target` lacks under `parent`.
-void CopyMissingSubItems(CCatalog& target, CCatalogItem& entry, const ItemPtr& parent)
+void CopyMissingSubItems(CCatalog& target, CCatalogItem& entry, const ItemPtr& parent,
+                         std::vector<ItemPtr>* made)
 {
     for (const auto& [guid, sub] : *entry.GetSubItems())
         if (sub && !Holds(target, *sub))
-            CopyEntryInto(target, *sub, parent);
+            Copy(target, *sub, parent, made);
 }
 
 } // namespace
 
-AddToApplicationResult AddToApplication(CCatalog& source, CCatalog& target, CCatalogItem* entry)
+AddToApplicationResult AddToApplication(CCatalog& source, CCatalog& target, CCatalogItem* entry,
+                                        std::vector<ItemPtr>* made)
 {
     if (!entry)
     {
@@ -63,8 +74,8 @@ AddToApplicationResult AddToApplication(CCatalog& source, CCatalog& target, CCat
                 continue;
             ItemPtr held = target.GetItembyGuid(element->GetGUID());
             if (!held)
-                held = CopyEntryInto(target, *element, {});
-            CopyMissingSubItems(target, *element, held);
+                held = Copy(target, *element, {}, made);
+            CopyMissingSubItems(target, *element, held, made);
         }
         return {};
     }
@@ -74,8 +85,8 @@ AddToApplicationResult AddToApplication(CCatalog& source, CCatalog& target, CCat
                 entry->GetName()};
     if (entry->IsGroup())
     {
-        const ItemPtr group = CopyEntryInto(target, *entry, {});
-        CopyMissingSubItems(target, *entry, group);
+        const ItemPtr group = Copy(target, *entry, {}, made);
+        CopyMissingSubItems(target, *entry, group, made);
         return {};
     }
     ItemPtr parent;
@@ -83,9 +94,9 @@ AddToApplicationResult AddToApplication(CCatalog& source, CCatalog& target, CCat
     {
         parent = target.GetItembyGuid(sourceParent->GetGUID());
         if (!parent)
-            parent = CopyEntryInto(target, *sourceParent, {});
+            parent = Copy(target, *sourceParent, {}, made);
     }
-    CopyEntryInto(target, *entry, parent);
+    Copy(target, *entry, parent, made);
     return {};
 }
 

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <boost/shared_ptr.hpp>
+#include <vector>
 
 namespace ZEVGis::Data
 {
@@ -35,8 +36,9 @@ CopyEntryInto(Data::CCatalog& target, Data::CCatalogItem& entry,
 // `entry` null: every root element of `source` that `target` lacks, each with those of its
 // direct sub-items that `target` lacks. A group: the group with its direct sub-items. An
 // item: the item, under a copy of its group when the catalog lacks that group. Only one level
-// below the copied entry is taken.
+// below the copied entry is taken. `made` (when given) receives the copies in the order made.
 AddToApplicationResult AddToApplication(Data::CCatalog& source, Data::CCatalog& target,
-                                        Data::CCatalogItem* entry);
+                                        Data::CCatalogItem* entry,
+                                        std::vector<boost::shared_ptr<Data::CCatalogItem>>* made = nullptr);
 
 } // namespace ZEVGis::Editor

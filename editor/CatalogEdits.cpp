@@ -56,6 +56,30 @@ ItemPtr CopyItemIntoGroup(CCatalog& catalog, CCatalogItem& source, const ItemPtr
     return AttachNewChild(catalog, group, made, base) ? made : ItemPtr();
 }
 
+NewGroupResult NewGroup(CCatalog& catalog, CCatalogItem* parent, int depth,
+                        Data::CCatalogItemTemplate* tmpl, const QString& fallbackName)
+{
+    NewGroupResult result;
+    result.group = boost::make_shared<CCatalogItem>();
+    result.group->SetGUID(Utility::CUtility::CreateGUID());
+    result.group->SetIsGroup(1);
+    if (parent)
+    {
+        if (const ItemPtr held = catalog.GetItembyGuid(parent->GetGUID()))
+        {
+            result.group->SetParentItem(held);
+            held->AddSubItem(result.group);
+        }
+    }
+    const auto factory = catalog.GetFactory();
+    QString base = factory ? factory->GetNewGroupName(depth, tmpl) : QString();
+    if (base.isEmpty())
+        base = fallbackName;
+    result.group->SetName(UniqueChildName(&catalog, nullptr, &base));
+    result.registered = catalog.AddItem(result.group) != 0;
+    return result;
+}
+
 GroupCopy CopyGroup(CCatalog& catalog, CCatalogItem& source)
 {
     GroupCopy copy;

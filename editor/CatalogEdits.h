@@ -33,6 +33,17 @@ ItemPtr NewItemInGroup(Data::CCatalog& catalog, const ItemPtr& group,
 ItemPtr CopyItemIntoGroup(Data::CCatalog& catalog, Data::CCatalogItem& source, const ItemPtr& group,
                           Data::CCatalogItemTemplate* tmpl);
 
+// A new group inside `parent` (none: at the root level) named by the factory for its depth
+// and the template, else by `fallbackName`, made unique among the catalog's root elements
+// (also for a group that goes into a group). `registered` says whether the catalog took it.
+struct NewGroupResult
+{
+    ItemPtr group;
+    bool registered = false;
+};
+NewGroupResult NewGroup(Data::CCatalog& catalog, Data::CCatalogItem* parent, int depth,
+                        Data::CCatalogItemTemplate* tmpl, const QString& fallbackName);
+
 // A new root-level group "<source name>_copy" (not made unique) with a factory copy of each
 // direct sub-item of `source`, uniquely named. `children` lists the copies the catalog took.
 struct GroupCopy

@@ -6,11 +6,11 @@
 namespace ZEVGis::Editor
 {
 
-std::vector<Data::CCatalogItem*> MarkDefaultItem(Data::CCatalog& catalog, Data::CCatalogItem& item)
+std::vector<Data::CCatalogItem*> ItemsOfSameType(Data::CCatalog& catalog, Data::CCatalogItem& item)
 {
-    std::vector<Data::CCatalogItem*> cleared;
+    std::vector<Data::CCatalogItem*> same;
     if (item.IsGroup())
-        return cleared;
+        return same;
     const QString tag = QString::fromUtf16(EquipmentTypeTag);
     if (const auto typeProperty = item.GetProperty(tag))
     {
@@ -21,12 +21,19 @@ std::vector<Data::CCatalogItem*> MarkDefaultItem(Data::CCatalog& catalog, Data::
                 continue;
             const auto property = element->GetProperty(tag);
             if (property && property->GetValue().ToString() == type)
-            {
-                element->SetIsDefault(0);
-                cleared.push_back(element.get());
-            }
+                same.push_back(element.get());
         }
     }
+    return same;
+}
+
+std::vector<Data::CCatalogItem*> MarkDefaultItem(Data::CCatalog& catalog, Data::CCatalogItem& item)
+{
+    if (item.IsGroup())
+        return {};
+    std::vector<Data::CCatalogItem*> cleared = ItemsOfSameType(catalog, item);
+    for (Data::CCatalogItem* element : cleared)
+        element->SetIsDefault(0);
     item.SetIsDefault(1);
     return cleared;
 }

@@ -21,4 +21,8 @@ inline constexpr const char16_t* EquipmentTypeTag = u"LSEQUIP_TYPE";
 // Groups are not marked: nothing happens and nothing is returned.
 std::vector<Data::CCatalogItem*> MarkDefaultItem(Data::CCatalog& catalog, Data::CCatalogItem& item);
 
+// The elements whose mark MarkDefaultItem(catalog, item) clears.
+std::vector<Data::CCatalogItem*> ItemsOfSameType(Data::CCatalog& catalog,
+                                                 Data::CCatalogItem& item);
+
 } // namespace ZEVGis::Editor

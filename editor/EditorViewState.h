@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QSet>
+#include <QString>
+
+namespace ZEVGis::Editor
+{
+
+// What the editor showed around an edit, kept with the edit so that undo and redo can show
+// it again: the current row and the open rows of each tree (by GUID; the root row is ""),
+// how far each tree was scrolled, which tree was active and the direction of the next sort.
+struct TreeViewState
+{
+    bool hasCurrent = false;
+    QString current;
+    QSet<QString> expanded;
+    int scroll = 0;
+};
+
+struct EditorViewState
+{
+    bool captured = false;
+    int activeTree = 0;
+    TreeViewState upper;
+    TreeViewState lower;
+    bool sortAscending = true;
+};
+
+} // namespace ZEVGis::Editor

@@ -1,0 +1,65 @@
+#include "editor/NameFilter.h"
+
+namespace ZEVGis::Editor
+{
+
+namespace
+{
+
+// The letter a Croatian letter is typed as without its mark (lower case in, lower case out).
+char16_t Unmarked(char16_t c)
+{
+    switch (c)
+    {
+    case u'č':
+    case u'ć':
+        return u'c';
+    case u'đ':
+        return u'd';
+    case u'š':
+        return u's';
+    case u'ž':
+        return u'z';
+    default:
+        return c;
+    }
+}
+
+bool SameLetter(QChar inName, char16_t typed)
+{
+    const char16_t lower = inName.toLower().unicode();
+    return lower == typed || Unmarked(lower) == typed;
+}
+
+} // namespace
+
+NameFilter::NameFilter(const QString& text) : m_text(text), m_pattern(text.toLower())
+{
+}
+
+qsizetype NameFilter::indexIn(QStringView name, qsizetype from) const
+{
+    const qsizetype length = m_pattern.size();
+    if (length == 0)
+        return -1;
+    const char16_t* pattern = reinterpret_cast<const char16_t*>(m_pattern.constData());
+    for (qsizetype start = std::max<qsizetype>(from, 0); start + length <= name.size(); ++start)
+    {
+        qsizetype k = 0;
+        while (k < length && SameLetter(name[start + k], pattern[k]))
+            ++k;
+        if (k == length)
+            return start;
+    }
+    return -1;
+}
+
+std::vector<NameFilter::Range> NameFilter::matchRanges(QStringView name) const
+{
+    std::vector<Range> ranges;
+    for (qsizetype at = indexIn(name); at >= 0; at = indexIn(name, at + m_pattern.size()))
+        ranges.push_back({at, m_pattern.size()});
+    return ranges;
+}
+
+} // namespace ZEVGis::Editor
