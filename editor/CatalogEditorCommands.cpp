@@ -49,6 +49,8 @@ void CCatalogEditorDlg::ConnectControls()
         {Ids::BtnSetDefault, &CCatalogEditorDlg::OnBnClickedBtnSetDefault},
         {Ids::BtnInfo, &CCatalogEditorDlg::OnBnClickedBtnInfo},
         {Ids::BtnTest, &CCatalogEditorDlg::OnBnClickedBtnTest},
+        {Ids::BtnImport, &CCatalogEditorDlg::OnBnClickedBtnImport},
+        {Ids::BtnExport, &CCatalogEditorDlg::OnBnClickedBtnExport},
     };
     for (const auto& [id, handler] : commands)
         connect(Button(id), &QAbstractButton::clicked, this, handler);

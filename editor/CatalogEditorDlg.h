@@ -74,6 +74,8 @@ public:
     void OnBnClickedBtnSetDefault();
     void OnBnClickedBtnInfo();
     void OnBnClickedBtnTest();
+    void OnBnClickedBtnImport();
+    void OnBnClickedBtnExport();
     void OnCbnSelchangeComboCatalog();
 
     // The catalog shown by a tree: which 0 the drawing copy (upper tree), 1 the catalog.
@@ -172,6 +174,9 @@ private:
     // Context menu and the copy to the application catalog (CatalogEditorMenu.cpp)
     void OnTreeContextMenu(bool upper, const QPoint& pos);
     void RunMenuCommand(ZEVGis::Editor::TreeMenuCommand command, bool upper, QTreeWidgetItem* row);
+
+    // Import/export (CatalogEditorImpex.cpp)
+    void OpenImpexDialog(int direction);
 
     QAbstractButton* Button(int id) const;
 

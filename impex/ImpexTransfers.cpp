@@ -226,21 +226,26 @@ void AddCatalogItemToLocalCatalog(const RepositoryTarget& target, CCatalog& loca
 namespace
 {
 
-// Deletes the record of `row` and, on success, the row. False when the record stays.
-bool DeleteRecordAndRow(const RepositoryTarget& target, QTreeWidgetItem* row,
-                        const RowCallback& beforeRowDeleted, const FunctionTracer& tracer)
+// Deletes the record `id` and, on success, `row` (when given). False when the record stays.
+bool DeleteRecord(const RepositoryTarget& target, const QString& id, QTreeWidgetItem* row,
+                  const RowCallback& beforeRowDeleted, const FunctionTracer& tracer)
 {
-    const CNetCatalogueItem* record = RecordOfRow(row);
-    if (!record)
-        return false;
-    const QString id = QString::fromStdWString(record->GetCatalogueId());
     if (!target.repository.DeleteCatalogItem(target.reference, id))
         return false;
-    if (beforeRowDeleted)
-        beforeRowDeleted(row);
-    delete row;
+    if (row)
+    {
+        if (beforeRowDeleted)
+            beforeRowDeleted(row);
+        delete row;
+    }
     tracer.Log(3, FunctionTracer::Format("Catalog item deleted:%s", Narrow(id).c_str()));
     return true;
+}
+
+QString IdOfRow(const QTreeWidgetItem* row)
+{
+    const CNetCatalogueItem* record = RecordOfRow(row);
+    return record ? QString::fromStdWString(record->GetCatalogueId()) : QString();
 }
 
 } // namespace
@@ -249,19 +254,24 @@ bool DeleteCatalogItems(const RepositoryTarget& target, QTreeWidgetItem* row,
                         const RowCallback& beforeRowDeleted)
 {
     ZEVX_TRACE_FUNCTION("CDlgCatalogImpex::DeleteCatalogItems", "DlgCatalogImpex", 1010);
-    if (!row)
+    if (!RecordOfRow(row))
         return false;
+    const QString ownId = IdOfRow(row);
     for (QTreeWidgetItem* child : CClrTreeCtrl::Children(row))
     {
         const CNetCatalogueItem* record = RecordOfRow(child);
-        if (record && record->GetIsGroup())
-            DeleteCatalogItems(target, child, beforeRowDeleted);
-        if (!DeleteRecordAndRow(target, child, beforeRowDeleted, zevxTracer))
+        if (!record)
+            continue;
+        const QString id = IdOfRow(child);
+        // A sub-group deletes its own record last; its record is asked for once more here,
+        // and its row is gone by then when that succeeded.
+        const bool rowGone = record->GetIsGroup() && DeleteCatalogItems(target, child, beforeRowDeleted);
+        if (!DeleteRecord(target, id, rowGone ? nullptr : child, beforeRowDeleted, zevxTracer))
             return false;
         if (!target.repository.IsRepositoryAccessible())
             return false;
     }
-    return DeleteRecordAndRow(target, row, beforeRowDeleted, zevxTracer);
+    return DeleteRecord(target, ownId, row, beforeRowDeleted, zevxTracer);
 }
 
 // ---- file transfers
