@@ -90,6 +90,8 @@ private slots:
     void tabReachesEveryControlBothWays();
     void editorImportReloadsTreeWithoutSaving();
     void editorExportChangesNothing();
+    void screenshots_data();
+    void screenshots();
 
 private:
     std::unique_ptr<CDlgCatalogImpex> openImpex(int direction,
@@ -443,6 +445,51 @@ void TestDlgCatalogImpex::editorExportChangesNothing()
     QCOMPARE(title, Msg(8531));
     QCOMPARE(m_store->catalogFileBytes("CABLES"), before);
     QCOMPARE(childTexts(rowAt(findControl<QTreeWidget>(editor.get(), Editor::Ids::CatalogTree), "")).size(), 3);
+}
+
+void TestDlgCatalogImpex::screenshots_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<int>("direction");
+    QTest::newRow("export, en") << "en" << int(CDlgCatalogImpex::Export);
+    QTest::newRow("import, hr") << "hr" << int(CDlgCatalogImpex::Import);
+}
+
+// The dialog as a user sees it after a transfer, saved for the README when
+// ZEVX_SCREENSHOT_DIR names a folder.
+void TestDlgCatalogImpex::screenshots()
+{
+    QFETCH(QString, language);
+    QFETCH(int, direction);
+    const QString folder = qEnvironmentVariable("ZEVX_SCREENSHOT_DIR");
+    if (folder.isEmpty())
+        QSKIP("ZEVX_SCREENSHOT_DIR is not set");
+    CModuleConfiguration::Instance()->SetLanguage(language);
+    writeDefaultStore();
+    const QString file = WriteCatalogFile(m_dir->filePath("in.xml"), "CABLES", [](CatalogBuilder& b)
+                                          { b.item("Kabel NA2XS(F)2Y 1x240", b.group("Uvezeni kabeli", {}, 9)); });
+    const auto dlg = openImpex(direction);
+    if (direction == CDlgCatalogImpex::Export)
+    {
+        Select(dlg.get(), Ids::TreeLocal, "Low voltage");
+        Click(dlg.get(), Ids::BtnAdd);
+        m_host.queueSaveFileName(m_dir->filePath("cables-export"));
+    }
+    else
+    {
+        m_host.queueOpenFileName(file);
+    }
+    Click(dlg.get(), Ids::BtnBrowse);
+    if (direction == CDlgCatalogImpex::Import)
+    {
+        Select(dlg.get(), Ids::TreeTarget, "Uvezeni kabeli");
+        Click(dlg.get(), Ids::BtnRemove);
+    }
+    Tree(dlg.get(), Ids::TreeLocal)->expandAll();
+    Tree(dlg.get(), Ids::TreeTarget)->expandAll();
+    QVERIFY(dlg->grab().save(QDir(folder).filePath(
+        QStringLiteral("impex-%1-%2.png").arg(direction == CDlgCatalogImpex::Export ? "export" : "import", language))));
+    CModuleConfiguration::Instance()->SetLanguage("en");
 }
 
 QTEST_MAIN(TestDlgCatalogImpex)
