@@ -172,7 +172,11 @@ bool PostgresServer::startServer()
                                     "-c full_page_writes=off "
                                     "-c shared_buffers=32MB -c max_connections=40")
                                 .arg(socketDir())
-                                .arg(port());
+                                .arg(port()) +
+                            // Counts statements for the benchmarks' round trips, when shipped.
+                            (QFileInfo::exists(binDir() + "/../lib/pg_stat_statements.so")
+                                 ? " -c shared_preload_libraries=pg_stat_statements"
+                                 : "");
     if (!run(binDir() + "/pg_ctl",
              {"-D", dataDir(), "-l", socketDir() + "/server.log", "-w", "-t", "60", "-o", options,
               "start"},
@@ -205,16 +209,17 @@ bool PostgresServer::runPsql(const QString& sql, const QString& dbname, Role rol
     return ok;
 }
 
-bool PostgresServer::psql(const QString& sql, QString* out, Role role)
+bool PostgresServer::psql(const QString& sql, QString* out, Role role, const QString& dbname)
 {
-    return runPsql(sql, database, role, out);
+    return runPsql(sql, dbname, role, out);
 }
 
-bool PostgresServer::grantReadOnly()
+bool PostgresServer::grantReadOnly(const QString& dbname)
 {
     return psql(QString("GRANT USAGE ON SCHEMA public TO %1;\n"
                         "GRANT SELECT ON ALL TABLES IN SCHEMA public TO %1;\n")
-                    .arg(reader));
+                    .arg(reader),
+                nullptr, Superuser, dbname);
 }
 
 QString PostgresServer::url(Role role) const
@@ -238,4 +243,16 @@ QString PostgresServer::log() const
 {
     QFile file(socketDir() + "/server.log");
     return file.open(QIODevice::ReadOnly) ? QString::fromLocal8Bit(file.readAll()) : QString();
+}
+
+qint64 PostgresServer::statementsRun(const QString& dbname)
+{
+    QString out;
+    const QString sql = QString("CREATE EXTENSION IF NOT EXISTS pg_stat_statements;\n"
+                                "SELECT coalesce(sum(s.calls), 0) FROM pg_stat_statements s "
+                                "JOIN pg_database d ON d.oid = s.dbid WHERE d.datname = '%1';\n")
+                            .arg(dbname);
+    if (!runPsql(sql, "postgres", Superuser, &out))
+        return -1;
+    return out.section('\n', -1).toLongLong();
 }

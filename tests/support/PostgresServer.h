@@ -37,10 +37,16 @@ public:
     bool restart() { return stop() && startServer(); }
     bool isRunning() const { return m_running; }
 
-    // SELECT and USAGE on everything now in the database's public schema for the read-only role.
-    bool grantReadOnly();
-    // Runs SQL through psql as `role` on the database; output in `out` (unaligned, tuples only).
-    bool psql(const QString& sql, QString* out = nullptr, Role role = Superuser);
+    // SELECT and USAGE on everything now in the public schema of `dbname` for the read-only
+    // role.
+    bool grantReadOnly(const QString& dbname = database);
+    // Runs SQL through psql as `role` on `dbname`; output in `out` (unaligned, tuples only).
+    bool psql(const QString& sql, QString* out = nullptr, Role role = Superuser,
+              const QString& dbname = database);
+
+    // Statements the server has run in `dbname` (each one a round trip for a client that
+    // does not pipeline); -1 when the server does not count them.
+    qint64 statementsRun(const QString& dbname);
 
     // The repository URL: socket folder percent-encoded as host, user and password of `role`.
     QString url(Role role = ReadWrite) const;
