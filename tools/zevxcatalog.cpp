@@ -1,7 +1,11 @@
-// zevxcatalog: lists the catalog registry, shows a catalog's tree, checks catalog files.
+// zevxcatalog: lists the catalog registry, shows a catalog's tree, checks catalog files,
+// moves entries between a catalog and the network repository.
 
 #include "catalog/CatalogManager.h"
 #include "tools/CatalogCommands.h"
+#ifdef ZEVX_WITH_REPOSITORY
+#include "tools/RepositoryCommands.h"
+#endif
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
@@ -12,17 +16,25 @@ namespace
 {
 
 const char Usage[] =
-    "Usage: zevxcatalog [--catalogs DIR] [--drawing FILE] COMMAND\n"
+    "Usage: zevxcatalog [--catalogs DIR] [--drawing FILE] [--repository URL] COMMAND\n"
     "\n"
     "Commands:\n"
     "  list                 the catalogs of the registry with their flags\n"
     "  show REF [--drawing] the tree of catalog REF ([G] group, [*] default item, order\n"
     "                       numbers, <template>); with --drawing the drawing's copy\n"
     "  validate FILE...     whether each file is well-formed XML and a catalog\n"
+    "  repo list REF        the repository's tree of catalog REF\n"
+    "  repo push REF [GUID...]  sends the entries (default: every top-level entry) with\n"
+    "                       their descendants to the repository\n"
+    "  repo pull REF GUID...    brings the records with their descendants and missing\n"
+    "                       parents into the catalog and saves it\n"
+    "  repo delete REF GUID deletes the record and every record below it\n"
     "\n"
     "Options:\n"
     "  --catalogs DIR       the catalog store (else ZEVX_CATALOG_ROOT, else the user's data folder)\n"
     "  --drawing FILE       the drawing whose catalog copies are used (else ZEVX_DRAWING)\n"
+    "  --repository URL     sqlite:PATH, postgresql://[user[:password]@]host[:port]/dbname\n"
+    "                       or none (else ZEVX_REPOSITORY, else the default SQLite file)\n"
     "  -h, --help           this text\n";
 
 } // namespace
@@ -36,6 +48,7 @@ int main(int argc, char* argv[])
 
     QString catalogs;
     QString drawing;
+    QString repository;
     bool drawingCopy = false;
     QStringList words;
     const QStringList args = app.arguments().mid(1);
@@ -61,6 +74,22 @@ int main(int argc, char* argv[])
             (arg == u"--catalogs" ? catalogs : drawing) = args[++i];
             continue;
         }
+        if (arg == u"--repository") {
+            if (i + 1 >= args.size() || args[i + 1].startsWith(u"--")) {
+                err << "zevxcatalog: --repository needs a value\n\n" << Usage;
+                return 2;
+            }
+            repository = args[++i];
+            continue;
+        }
+        if (arg.startsWith(u"--repository=")) {
+            repository = arg.section(u'=', 1);
+            if (repository.isEmpty()) {
+                err << "zevxcatalog: --repository needs a value\n\n" << Usage;
+                return 2;
+            }
+            continue;
+        }
         if (arg.startsWith(u"--catalogs=")) {
             catalogs = arg.section(u'=', 1);
             continue;
@@ -82,9 +111,22 @@ int main(int argc, char* argv[])
 
     // The commands print every store problem themselves; the library's warning of the
     // same problem would say it twice.
-    QLoggingCategory::setFilterRules(QStringLiteral("zevx.catalog.warning=false"));
+    QLoggingCategory::setFilterRules(
+        QStringLiteral("zevx.catalog.warning=false\nzevx.repository.warning=false"));
     ZEVGis::Data::CCatalogManager::Instance()->Configure(catalogs, drawing);
     const QString command = words.takeFirst();
+#ifdef ZEVX_WITH_REPOSITORY
+    if (command == u"repo") {
+        const QString why = ZevxTool::repositoryUsageError(words);
+        if (!why.isEmpty()) {
+            err << "zevxcatalog: " << why << "\n\n" << Usage;
+            return 2;
+        }
+        return ZevxTool::repositoryCommand(words, repository, out, err);
+    }
+#else
+    Q_UNUSED(repository);
+#endif
     if (command == u"list" && words.isEmpty())
         return ZevxTool::listRegistry(out, err);
     if (command == u"show" && words.size() == 1)
