@@ -25,6 +25,12 @@ struct Parser
                                QStringLiteral("Drawing whose catalog copies the upper tree "
                                               "shows (else ZEVX_DRAWING)."),
                                QStringLiteral("FILE")};
+    QCommandLineOption repository{QStringLiteral("repository"),
+                                  QStringLiteral("Network repository: sqlite:PATH, "
+                                                 "postgresql://[user[:password]@]host[:port]/"
+                                                 "dbname or none (else ZEVX_REPOSITORY, else "
+                                                 "the default SQLite file)."),
+                                  QStringLiteral("URL")};
     QCommandLineOption language{QStringLiteral("lang"),
                                 QStringLiteral("Language of the texts: en or hr."),
                                 QStringLiteral("en|hr")};
@@ -45,7 +51,7 @@ struct Parser
             QStringLiteral("Catalog editor: browse and edit the catalogs of the catalog "
                            "registry."));
         parser.addOptions({help, version});
-        parser.addOptions({showHidden, catalogs, drawing, language, screenshot});
+        parser.addOptions({showHidden, catalogs, drawing, repository, language, screenshot});
         parser.addPositionalArgument(QStringLiteral("REFERENCE"),
                                      QStringLiteral("Catalog to select first (ignoring case)."),
                                      QStringLiteral("[REFERENCE]"));
@@ -118,6 +124,7 @@ CommandLine parseCommandLine(const QStringList& arguments)
     options.showHiddenCatalogs = p.parser.isSet(p.showHidden);
     options.catalogsFolder = p.parser.value(p.catalogs);
     options.drawing = p.parser.value(p.drawing);
+    options.repository = p.parser.value(p.repository);
     options.language = p.parser.value(p.language).toLower();
     options.screenshot = p.parser.value(p.screenshot);
 

@@ -13,6 +13,7 @@ struct ProgramOptions
     bool showHiddenCatalogs = false;
     QString catalogsFolder; // empty: ZEVX_CATALOG_ROOT or the user's data folder
     QString drawing;        // empty: ZEVX_DRAWING or none
+    QString repository;     // empty: ZEVX_REPOSITORY or the default SQLite file
     QString language;       // "en", "hr" or empty (the locale decides)
     QString screenshot;     // PNG to write instead of running the editor interactively
 };

@@ -8,6 +8,9 @@
 #include "editor/CatalogEditorDlg.h"
 #include "host/HostServices.h"
 #include "host/QtHostServices.h"
+#ifdef ZEVX_WITH_REPOSITORY
+#include "repository/RepositoryStorageManager.h"
+#endif
 
 #include <QApplication>
 #include <QDir>
@@ -29,10 +32,16 @@ void print(FILE* stream, const QString& text)
 }
 
 // Empty options leave the choice to the catalog manager: ZEVX_CATALOG_ROOT and ZEVX_DRAWING,
-// else the user's store seeded from the samples.
+// else the user's store seeded from the samples; and to the repository client:
+// ZEVX_REPOSITORY, else the default file. A repository that cannot be used is said on one
+// line by the client; the editor still opens, with file transfers only.
 void configure(const Program::ProgramOptions& options)
 {
     Data::CCatalogManager::Instance()->Configure(options.catalogsFolder, options.drawing);
+#ifdef ZEVX_WITH_REPOSITORY
+    if (!options.repository.isEmpty())
+        Repository::CRepositoryStorageManager::Instance()->Configure(options.repository);
+#endif
     if (!options.language.isEmpty())
         CModuleConfiguration::Instance()->SetLanguage(options.language);
 }
@@ -99,6 +108,14 @@ int main(int argc, char* argv[])
     QApplication application(argc, argv);
 
     configure(options);
+    // The connection is closed while QtSql still stands, not by the client's static
+    // destructor after it.
+#ifdef ZEVX_WITH_REPOSITORY
+    struct CloseRepositoryAtEnd
+    {
+        ~CloseRepositoryAtEnd() { Repository::CRepositoryStorageManager::Instance()->Reset(); }
+    } closeRepositoryAtEnd;
+#endif
     Host::QtHostServices hostServices;
     Host::ScopedHostServices useHost(hostServices);
 
