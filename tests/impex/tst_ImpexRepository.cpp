@@ -56,8 +56,8 @@ class TestImpexRepository : public EditorDialogFixture
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    // The client's connection is closed while Qt's SQL plugins are still there.
+    void cleanupTestCase() { CRepositoryStorageManager::Instance()->Configure("none"); }
     void sendsBottomUpAndShowsWhatArrived();
     void groupBroughtBackIntoAnEmptyCatalogWithItsParents();
     void deleteGroupDeepestFirst();
@@ -65,22 +65,17 @@ private slots:
     void lostDuringSendStopsWithoutReload();
 
 private:
+    // A fresh SQLite repository and catalog store in the test's folder.
+    void prepare();
     std::unique_ptr<CDlgCatalogImpex> openInRepositoryMode(boost::shared_ptr<CCatalog> local = {});
     RecordingRepository m_repository;
 };
 
-void TestImpexRepository::init()
+void TestImpexRepository::prepare()
 {
-    EditorDialogFixture::init();
     QVERIFY(CRepositoryStorageManager::Instance()->Configure("sqlite:" + m_dir->filePath("repo.sqlite")));
     m_repository = RecordingRepository();
     writeDefaultStore();
-}
-
-void TestImpexRepository::cleanup()
-{
-    CRepositoryStorageManager::Instance()->Configure("none");
-    EditorDialogFixture::cleanup();
 }
 
 std::unique_ptr<CDlgCatalogImpex> TestImpexRepository::openInRepositoryMode(boost::shared_ptr<CCatalog> local)
@@ -99,6 +94,7 @@ std::unique_ptr<CDlgCatalogImpex> TestImpexRepository::openInRepositoryMode(boos
 
 void TestImpexRepository::sendsBottomUpAndShowsWhatArrived()
 {
+    prepare();
     const auto dlg = openInRepositoryMode();
     QCOMPARE(rowAt(Tree(dlg.get(), Ids::TreeTarget), "")->text(0),
              CModuleConfiguration::Instance()->GetMsg(350) + " - network");
@@ -122,6 +118,7 @@ void TestImpexRepository::sendsBottomUpAndShowsWhatArrived()
 
 void TestImpexRepository::groupBroughtBackIntoAnEmptyCatalogWithItsParents()
 {
+    prepare();
     {
         const auto dlg = openInRepositoryMode();
         Select(dlg.get(), Ids::TreeLocal, "Medium voltage");
@@ -143,6 +140,7 @@ void TestImpexRepository::groupBroughtBackIntoAnEmptyCatalogWithItsParents()
 
 void TestImpexRepository::deleteGroupDeepestFirst()
 {
+    prepare();
     const auto dlg = openInRepositoryMode();
     Select(dlg.get(), Ids::TreeLocal, "Medium voltage");
     Click(dlg.get(), Ids::BtnAdd);
@@ -150,7 +148,7 @@ void TestImpexRepository::deleteGroupDeepestFirst()
     Select(dlg.get(), Ids::TreeTarget, "Medium voltage");
     Click(dlg.get(), Ids::BtnDel);
     QCOMPARE(m_repository.calls(),
-             (QStringList{"delete {B-95}", "delete {B-CU}", "delete {B-CU}", "delete {B-AL}",
+             (QStringList{"delete {B-95}", "delete {B-CU}", "delete {B-CU}", "delete {B-AL}", "delete {B-AL}",
                           "delete {B-MV}"}));
     QCOMPARE(Paths(dlg.get(), Ids::TreeTarget), QStringList());
     Click(dlg.get(), Ids::RadioRepository);
@@ -159,6 +157,7 @@ void TestImpexRepository::deleteGroupDeepestFirst()
 
 void TestImpexRepository::lostDuringFillKeepsWhatWasInserted()
 {
+    prepare();
     {
         const auto dlg = openInRepositoryMode();
         Select(dlg.get(), Ids::TreeLocal, "");
@@ -175,6 +174,7 @@ void TestImpexRepository::lostDuringFillKeepsWhatWasInserted()
 
 void TestImpexRepository::lostDuringSendStopsWithoutReload()
 {
+    prepare();
     const auto dlg = openInRepositoryMode();
     m_repository.loseAfter(1);
     Select(dlg.get(), Ids::TreeLocal, "Low voltage");
