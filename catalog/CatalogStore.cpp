@@ -6,6 +6,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 #include <boost/make_shared.hpp>
 #include <cstring>
 
@@ -231,6 +232,23 @@ std::vector<boost::shared_ptr<CCatalogItemTemplate>> readTemplates(pugi::xml_nod
     return templates;
 }
 
+// What two registry entries naming one file have in common: the cleaned absolute path
+// ("cables.xml", "./cables.xml" and "sub/../cables.xml" are one file), links resolved when
+// the file exists, case-folded where the file system ignores case.
+QString sameFileKey(const QString& path, bool ignoreCase)
+{
+    const QFileInfo info(QDir::cleanPath(QFileInfo(path).absoluteFilePath()));
+    const QString key = info.exists() ? info.canonicalFilePath() : info.filePath();
+    return ignoreCase ? key.toCaseFolded() : key;
+}
+
+// The registry's name in capitals finds it only where the file system ignores case.
+bool ignoresCase(const QString& folder)
+{
+    return QFileInfo::exists(folder + QStringLiteral("/registry.xml"))
+           && QFileInfo::exists(folder + QStringLiteral("/REGISTRY.XML"));
+}
+
 } // namespace
 
 void CatalogStore::loadRegistry()
@@ -261,6 +279,8 @@ void CatalogStore::loadRegistry()
 
     CatalogXml::ItemReader reader;
     reader.setText(bytes.constData(), size_t(bytes.size()));
+    const bool ignoreCase = ignoresCase(m_root);
+    const QString registryKey = sameFileKey(registryPath(), ignoreCase);
     for (pugi::xml_node node = root.child(RegistryCatalog); node; node = node.next_sibling(RegistryCatalog)) {
         const QString where = reader.position(node.offset_debug() - 1);
         bool numbersOk = true;
@@ -275,12 +295,29 @@ void CatalogStore::loadRegistry()
                       .arg(registryPath(), metadata->reference, where));
             continue;
         }
+        // Saving one of two entries on one file would overwrite the other's catalog.
+        const QString fileKey = sameFileKey(catalogPath(*metadata), ignoreCase);
+        if (fileKey == registryKey) {
+            error(QStringLiteral("Catalog registry %1: entry %2 at %3 names the registry itself as its file; it is left out")
+                      .arg(registryPath(), metadata->reference, where));
+            continue;
+        }
+        const auto sameFile = std::find_if(m_entries.begin(), m_entries.end(),
+                                           [&](const Entry& other) { return other.fileKey == fileKey; });
+        if (sameFile != m_entries.end()) {
+            error(QStringLiteral("Catalog registry %1: entries %2 and %3 (at %4) both name the file %5; %3 is left out, "
+                                 "so that saving one cannot overwrite the other")
+                      .arg(registryPath(), sameFile->metadata->reference, metadata->reference, where,
+                           QDir::toNativeSeparators(QDir::cleanPath(catalogPath(*metadata)))));
+            continue;
+        }
         if (!numbersOk)
             error(QStringLiteral("Catalog registry %1: entry %2 at %3 has a flag that is not a number; the default is used")
                       .arg(registryPath(), metadata->reference, where));
         QStringList problems;
         Entry entry;
         entry.metadata = metadata;
+        entry.fileKey = fileKey;
         entry.templates = readTemplates(node, reader, registryPath(), metadata->reference, problems);
         for (const QString& message : problems)
             error(message);
@@ -418,9 +455,9 @@ int CatalogStore::save(const QString& reference, bool saveCatalog, bool saveDraw
                       .arg(entry->metadata->reference, folder, path));
             return 0;
         }
-        // A tree the reader would refuse is not written: the file would no longer load.
+        // A catalog the reader would refuse is not written: the file would no longer load.
         QString why;
-        if (!CatalogXml::checkTreeDepth(*catalog->GetAllElementsMap(), why)) {
+        if (!CatalogXml::checkWritable(*catalog->GetAllElementsMap(), why)) {
             error(QStringLiteral("Catalog %1 not saved to %2: %3; the file on disk is unchanged")
                       .arg(entry->metadata->reference, path, why));
             return 0;

@@ -71,6 +71,8 @@ private:
     struct Entry
     {
         boost::shared_ptr<CCatalogMetadata> metadata;
+        // Its catalog file, as compared with the other entries' (one file, one entry).
+        QString fileKey;
         std::vector<boost::shared_ptr<CCatalogItemTemplate>> templates;
         boost::shared_ptr<CCatalog> catalog;
         boost::shared_ptr<CCatalog> drawingCopy;

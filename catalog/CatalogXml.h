@@ -97,7 +97,16 @@ private:
 // such a tree could not be shown, walked or written back.
 bool checkTreeDepth(const CCatalog::ItemMap& all, QString& why);
 
-// Parses `size` bytes of XML. `error` gets pugixml's message with line and column.
+// False, with the reason, when a catalog could not be written so that it reads back as
+// the same catalog: a tree too deep (checkTreeDepth) or a GUID holding a character XML 1.0
+// cannot hold (the writer leaves such characters out, which could make two GUIDs one).
+bool checkWritable(const CCatalog::ItemMap& all, QString& why);
+// True when `text` holds a character XML 1.0 cannot hold (most control characters, lone
+// surrogates, U+FFFE, U+FFFF).
+bool holdsNonXmlCharacter(QStringView text);
+
+// Parses `size` bytes of XML. `error` gets pugixml's message with line and column, or
+// names a character XML 1.0 cannot hold (raw or as a reference) with its line and column.
 bool parseDocument(pugi::xml_document& doc, const char* data, size_t size, bool forceUtf8,
                    QString& error);
 QString positionIn(const char* text, size_t size, ptrdiff_t offset);

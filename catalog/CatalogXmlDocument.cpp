@@ -75,6 +75,76 @@ size_t firstBadUtf8(const char* data, size_t size)
     return size;
 }
 
+// Where the first character XML 1.0 cannot hold lies in a UTF-8 text, or -1; `code` gets it.
+// pugixml decodes "&#1;" and passes raw control bytes through, so both are caught here.
+ptrdiff_t firstNonXmlCharacter(const char* text, char32_t& code)
+{
+    const auto* start = reinterpret_cast<const unsigned char*>(text);
+    for (const unsigned char* s = start; *s; ++s) {
+        const unsigned char c = *s;
+        if (c >= 0x20 && c < 0xED)
+            continue;
+        if (c < 0x20) {
+            if (c == '\t' || c == '\n' || c == '\r')
+                continue;
+            code = c;
+        } else if (c == 0xED && s[1] >= 0xA0 && s[1] <= 0xBF) { // a surrogate, from "&#xD800;"
+            code = 0xD000 | char32_t(s[1] & 0x3F) << 6 | char32_t(s[2] & 0x3F);
+        } else if (c == 0xEF && s[1] == 0xBF && (s[2] == 0xBE || s[2] == 0xBF)) {
+            code = s[2] == 0xBE ? 0xFFFE : 0xFFFF;
+        } else if (c > 0xF4 || (c == 0xF4 && s[1] >= 0x90)) { // past U+10FFFF
+            code = 0x110000;
+        } else {
+            continue;
+        }
+        return s - start;
+    }
+    return -1;
+}
+
+// Every text of the document (attribute values, element text, comments) holds only
+// characters XML 1.0 allows: what the reader takes in, the writer can put out again.
+bool checkCharacters(const pugi::xml_document& doc, const char* data, size_t size, QString& error)
+{
+    char32_t code = 0;
+    const auto refuse = [&](pugi::xml_node node, ptrdiff_t offset, const QString& what) {
+        if (offset < 0 || size_t(offset) > size)
+            offset = node.offset_debug();
+        error = QStringLiteral("character U+%1 in %2 at %3: XML 1.0 cannot hold it")
+                    .arg(QString::number(quint32(code), 16).toUpper().rightJustified(4, u'0'), what,
+                         positionIn(data, size, offset));
+        return false;
+    };
+    pugi::xml_node node = doc.first_child();
+    while (node) {
+        // The text's place in the parsed copy of the input, which matches the input's
+        // offsets for UTF-8 files.
+        const ptrdiff_t nodeOffset = node.offset_debug();
+        const char* base = node.type() == pugi::node_element && nodeOffset >= 0 ? node.name() - nodeOffset : nullptr;
+        for (pugi::xml_attribute attribute = node.first_attribute(); attribute; attribute = attribute.next_attribute()) {
+            const ptrdiff_t bad = firstNonXmlCharacter(attribute.value(), code);
+            if (bad >= 0) // exact unless escapes come before it in the value
+                return refuse(node, base ? attribute.value() - base + bad : -1,
+                              QStringLiteral("attribute %1 of <%2>").arg(QString::fromUtf8(attribute.name()),
+                                                                        QString::fromUtf8(node.name())));
+        }
+        if (firstNonXmlCharacter(node.value(), code) >= 0)
+            return refuse(node, nodeOffset, QStringLiteral("a text"));
+        if (firstNonXmlCharacter(node.name(), code) >= 0)
+            return refuse(node, nodeOffset, QStringLiteral("an element name"));
+        // Depth first, without recursion: documents may nest deep.
+        if (pugi::xml_node child = node.first_child()) {
+            node = child;
+            continue;
+        }
+        while (node && !node.next_sibling())
+            node = node.parent();
+        if (node)
+            node = node.next_sibling();
+    }
+    return true;
+}
+
 } // namespace
 
 bool parseDocument(pugi::xml_document& doc, const char* data, size_t size, bool forceUtf8,
@@ -100,7 +170,7 @@ bool parseDocument(pugi::xml_document& doc, const char* data, size_t size, bool 
             return false;
         }
     }
-    return true;
+    return checkCharacters(doc, data, size, error);
 }
 
 bool checkTreeDepth(const CCatalog::ItemMap& all, QString& why)

@@ -51,6 +51,35 @@ void XmlOut::escaped(QStringView text)
     }
 }
 
+bool holdsNonXmlCharacter(QStringView text)
+{
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t c = text[i].unicode();
+        if (c < 0x20 ? c != '\t' && c != '\n' && c != '\r' : c == 0xFFFE || c == 0xFFFF)
+            return true;
+        if (QChar::isHighSurrogate(c) && i + 1 < text.size() && QChar::isLowSurrogate(text[i + 1].unicode()))
+            ++i;
+        else if (QChar::isSurrogate(c))
+            return true;
+    }
+    return false;
+}
+
+bool checkWritable(const CCatalog::ItemMap& all, QString& why)
+{
+    for (const auto& [guid, item] : all) {
+        if (holdsNonXmlCharacter(guid)) {
+            QString shown = guid;
+            for (QChar& c : shown)
+                if (holdsNonXmlCharacter(QStringView(&c, 1)))
+                    c = QChar::ReplacementCharacter;
+            why = QStringLiteral("the GUID %1 holds a character a catalog file cannot hold").arg(shown);
+            return false;
+        }
+    }
+    return checkTreeDepth(all, why);
+}
+
 void XmlOut::declaration()
 {
     m_out.append("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"); // each element starts its own line

@@ -372,6 +372,8 @@ private slots:
         QTest::newRow("drawing copy folder cannot be made") << "drawing under a file" << "plain";
         // Deeper than the reader takes: written, the catalog would no longer load.
         QTest::newRow("tree too deep to read back") << "deep" << "sub/test.xml";
+        // Written without it, {C} and {C}+U+0001 would be one GUID twice.
+        QTest::newRow("GUID a file cannot hold") << "control character" << "sub/test.xml";
     }
 
     void failedSaveKeepsFiles()
@@ -390,6 +392,10 @@ private slots:
         QVERIFY(catalog && copy);
         catalog->DeleteItem(QStringLiteral("{G1}"));
         add(*copy, QStringLiteral("{X}"), QStringLiteral("x"), false);
+        if (cause == u"control character") {
+            add(*catalog, QStringLiteral("{C}"), QStringLiteral("c"), false);
+            add(*catalog, QStringLiteral("{C}\u0001"), QStringLiteral("c"), false);
+        }
         if (cause == u"deep") {
             auto parent = add(*catalog, QStringLiteral("{D0}"), QStringLiteral("d"), true);
             for (int level = 1; level <= 300; ++level)

@@ -1,8 +1,10 @@
 // The catalog file format: round trips, the flat form, and text that is not a catalog.
 
 #include "CatalogBuilders.h"
+#include "CatalogRoundTrip.h"
 #include "catalog/Catalog.h"
 
+#include <QDirIterator>
 #include <QtTest>
 
 using namespace ZEVGis::Data;
@@ -10,42 +12,6 @@ using namespace CatalogTest;
 
 namespace
 {
-
-// Everything a catalog holds, as text, in display order: two catalogs with the same dump
-// hold the same.
-void dumpItem(CCatalogItem& item, int depth, QStringList& out)
-{
-    out << QStringLiteral("%1%2|%3|m%4|g%5|o%6|d%7|pic=%8|tpl=%9|parent=%10")
-               .arg(QString(depth, u' '), item.GetGUID(), item.GetName())
-               .arg(item.GetMsgName())
-               .arg(item.IsGroup())
-               .arg(item.GetOrd())
-               .arg(item.GetIsDefault())
-               .arg(item.GetPictureRef(), item.GetTemplateName(), item.GetParentItemGuid());
-    for (const auto& category : item.GetProperties()->categories()) {
-        out << QStringLiteral("%1  [%2]").arg(QString(depth, u' '), category->GetName());
-        for (const auto& p : category->GetPropertyExVector())
-            out << QStringLiteral("%1    %2=%3 (%4) cap=%5 pic=%6 ro=%7 choices=%8")
-                       .arg(QString(depth, u' '), p->GetTag(), p->GetValue().ToString(),
-                            dataTypeName(p->GetValue().GetType()), p->GetCaption(), p->GetPictureRef())
-                       .arg(p->IsReadOnly())
-                       .arg(p->GetChoices().join(u'|'));
-    }
-    std::vector<boost::shared_ptr<CCatalogItem>> subs;
-    item.GetSortedSubItems(subs);
-    for (const auto& sub : subs)
-        dumpItem(*sub, depth + 1, out);
-}
-
-QString dump(CCatalog& catalog)
-{
-    QStringList out{QStringLiteral("ref=%1 items=%2").arg(catalog.GetReference()).arg(catalog.GetAllElementsMap()->size())};
-    std::vector<boost::shared_ptr<CCatalogItem>> roots;
-    catalog.GetSortedRootElements(roots);
-    for (const auto& root : roots)
-        dumpItem(*root, 0, out);
-    return out.join(u'\n');
-}
 
 void fillSample(CCatalog& catalog)
 {
@@ -295,6 +261,69 @@ private slots:
             QCOMPARE(catalog.GetItembyGuid(QStringLiteral("{1}"))->GetName(), nameOrError);
         else
             QVERIFY2(catalog.ParseError().contains(nameOrError), qPrintable(catalog.ParseError()));
+    }
+
+    // Characters XML 1.0 cannot hold are refused when read, raw or as references, so that
+    // whatever loads can be written back; the writer would have to leave them out.
+    void charactersXmlCannotHold_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("error"); // empty: loads and round-trips
+        const QByteArray head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<catalog ref=\"A\">\n";
+        // Both loaded, then saved as one GUID twice: the saved file no longer loaded.
+        QTest::newRow("GUIDs differing by a raw control byte")
+            << head + "<i id=\"{A}\"/>\n<i id=\"{A}\x01\"/>\n</catalog>" << "U+0001 in attribute id of <i> at line 4, column 11";
+        // Saved as id="": the saved file no longer loaded.
+        QTest::newRow("GUID only a character reference") << head + "<i id=\"&#1;\"/></catalog>" << "U+0001 in attribute id of <i> at line 3, column 8";
+        QTest::newRow("hexadecimal reference in a value")
+            << head + "<i id=\"{1}\"><c n=\"A\"><p t=\"X\" v=\"a&#x1F;\"/></c></i></catalog>" << "U+001F in attribute v of <p>";
+        QTest::newRow("raw control byte in a name") << head + "<i id=\"{1}\" n=\"Kabel\x07\"/></catalog>" << "U+0007 in attribute n of <i> at line 3, column 21";
+        QTest::newRow("U+FFFE") << head + "<i id=\"{1}\" n=\"&#xFFFE;\"/></catalog>" << "U+FFFE";
+        QTest::newRow("U+FFFF raw") << head + "<i id=\"{1}\" n=\"\xEF\xBF\xBF\"/></catalog>" << "U+FFFF";
+        QTest::newRow("surrogate reference") << head + "<i id=\"{1}\" n=\"&#xD800;\"/></catalog>" << "U+D800";
+        QTest::newRow("reference past U+10FFFF") << head + "<i id=\"{1}\" n=\"&#x110000;\"/></catalog>" << "U+110000";
+        QTest::newRow("in a choice") << head + "<i id=\"{1}\"><c n=\"A\"><p t=\"X\" y=\"choice\"><ch v=\"&#2;\"/></p></c></i></catalog>" << "attribute v of <ch>";
+        QTest::newRow("in text between elements") << head + "<i id=\"{1}\"/>\x02</catalog>" << "U+0002 in a text";
+        QTest::newRow("in a file declared ISO-8859-1")
+            << QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><catalog><i id=\"{1}\" n=\"Caf\xE9\x03\"/></catalog>") << "U+0003";
+        // What XML 1.0 does hold comes back as it was.
+        QTest::newRow("tab, line feed, carriage return as references")
+            << head + "<i id=\"{1}\" n=\"a&#9;b&#10;c&#13;d\"/></catalog>" << "";
+        QTest::newRow("characters next to the refused ones")
+            << head + "<i id=\"{1}\" n=\"&#x20;&#xD7FF;&#xE000;&#xFFFD;&#x10000;&#x10FFFF;\"/></catalog>" << "";
+    }
+
+    void charactersXmlCannotHold()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, error);
+        CCatalog catalog;
+        QCOMPARE(catalog.ParseXMLBytes(bytes), int(error.isEmpty()));
+        QVERIFY2(catalog.ParseError().contains(error), qPrintable(catalog.ParseError()));
+        QVERIFY2(roundTripProblem(bytes).isEmpty(), qPrintable(roundTripProblem(bytes)));
+    }
+
+    // The sample catalogs and every input the catalog fuzz target found come back from a
+    // write as they were read.
+    void filesRoundTrip_data()
+    {
+        QTest::addColumn<QString>("path");
+        for (const QString& folder : {QStringLiteral(ZEVX_SAMPLES_DIR), QStringLiteral(ZEVX_ROUNDTRIP_DIR)}) {
+            QDirIterator it(folder, QDir::Files, QDirIterator::Subdirectories);
+            while (it.hasNext()) {
+                const QString path = it.next();
+                if (folder == QStringLiteral(ZEVX_ROUNDTRIP_DIR) || path.endsWith(QStringLiteral(".xml")))
+                    QTest::newRow(qPrintable(QDir(folder).relativeFilePath(path))) << path;
+            }
+        }
+    }
+
+    void filesRoundTrip()
+    {
+        QFETCH(QString, path);
+        const QByteArray bytes = readAll(path);
+        const QString problem = roundTripProblem(bytes);
+        QVERIFY2(problem.isEmpty(), qPrintable(problem));
     }
 
     void manyItemsRoundTrip()

@@ -1,6 +1,7 @@
 // Saves on real file systems that fail: a disk filled to its last page, a file system
 // mounted read-only, a folder that is gone. Whatever fails, the old file stays byte for
-// byte and no temporary file is left beside it.
+// byte and no temporary file is left beside it. And no save overwrites another catalog's
+// file: two registry entries on one file are refused.
 
 #include "CatalogBuilders.h"
 #include "catalog/CatalogManager.h"
@@ -236,6 +237,60 @@ private slots:
         QCOMPARE(readAll(copyPath), copyBefore);
         QCOMPARE(filesIn(disk.path(QString())), files);
         QCOMPARE(filesIn(elsewhere.path()).size(), catalogOnDisk ? 1 : 2);
+    }
+
+    // Two registry entries on one file: saving one would overwrite the other's catalog.
+    void twoEntriesOnOneFile_data()
+    {
+        QTest::addColumn<QString>("file"); // the second entry's file
+        QTest::addColumn<QString>("error"); // empty: a file of its own
+        QTest::newRow("same name") << "cables.xml" << "entries CABLES and CONDUCTORS (at line 3, column 2) both name the file";
+        QTest::newRow("through the current folder") << "./cables.xml" << "both name the file";
+        QTest::newRow("through a folder and back") << "sub/../cables.xml" << "both name the file";
+        QTest::newRow("through a link") << "link.xml" << "both name the file";
+        QTest::newRow("the registry itself") << "registry.xml" << "names the registry itself";
+        QTest::newRow("a file of its own") << "conductors.xml" << "";
+    }
+
+    void twoEntriesOnOneFile()
+    {
+        QFETCH(QString, file);
+        QFETCH(QString, error);
+        QTemporaryDir dir;
+        const QByteArray registry = "<registry>\n"
+                                    " <catalog reference=\"CABLES\" file=\"cables.xml\"/>\n"
+                                    " <catalog reference=\"CONDUCTORS\" file=\"" + file.toUtf8() + "\"/>\n"
+                                    "</registry>\n";
+        QVERIFY(writeAll(dir.filePath(QStringLiteral("registry.xml")), registry));
+        QVERIFY(writeAll(dir.filePath(QStringLiteral("cables.xml")), catalogOfSize(100, QStringLiteral("C"))));
+        QDir(dir.path()).mkdir(QStringLiteral("sub"));
+        QFile::link(dir.filePath(QStringLiteral("cables.xml")), dir.filePath(QStringLiteral("link.xml")));
+
+        CCatalogManager* manager = CCatalogManager::Instance();
+        manager->Configure(dir.path(), QString());
+        std::vector<boost::shared_ptr<CCatalogMetadata>> entries;
+        manager->GetCatalogRegistry(entries);
+        const QString errors = manager->TakeErrors().join(u'\n');
+        QCOMPARE(entries.size(), size_t(error.isEmpty() ? 2 : 1));
+        if (error.isEmpty()) {
+            QVERIFY2(errors.isEmpty(), qPrintable(errors));
+            return;
+        }
+        QVERIFY2(errors.contains(error) && errors.contains(QStringLiteral("CONDUCTORS")), qPrintable(errors));
+        QVERIFY2(errors.contains(dir.path()), qPrintable(errors));
+
+        // The later entry is gone, so nothing saved through it can undo a save of the first.
+        auto cables = manager->GetCatalog(QStringLiteral("CABLES"), 1);
+        QVERIFY(cables);
+        QVERIFY(!manager->GetCatalog(QStringLiteral("CONDUCTORS"), 1));
+        add(*cables, QStringLiteral("{NEW}"), QStringLiteral("Novi kabel"), false);
+        QCOMPARE(manager->Save(QStringLiteral("CABLES"), 1, 1), 1);
+        QCOMPARE(manager->Save(QStringLiteral("CONDUCTORS"), 1, 1), 0);
+        CCatalog saved;
+        QVERIFY(saved.ParseXMLBytes(readAll(dir.filePath(QStringLiteral("cables.xml")))));
+        QVERIFY(saved.GetItembyGuid(QStringLiteral("{NEW}")));
+        QCOMPARE(readAll(dir.filePath(QStringLiteral("registry.xml"))), registry);
+        manager->TakeErrors();
     }
 };
 

@@ -78,6 +78,11 @@ void TestZevxCatalog::runs_data()
                       "<catalog reference=\"POLES\" file=\"poles.xml\"/></registry>")
         << QStringList{"--catalogs", "ROOT", "list"} << 1 << QStringList{"GONE", "POLES"}
         << "catalog GONE: its file ROOT/gone.xml cannot be read: the file does not exist";
+    QTest::newRow("two registry entries on one file") << "registry.xml"
+        << QByteArray("<registry><catalog reference=\"CABLES\" file=\"cables.xml\"/>"
+                      "<catalog reference=\"CONDUCTORS\" file=\"./sub/../cables.xml\"/></registry>")
+        << QStringList{"--catalogs", "ROOT", "list"} << 1 << QStringList{"CABLES"}
+        << "entries CABLES and CONDUCTORS (at line 1, column 58) both name the file ROOT/cables.xml";
     QTest::newRow("registry entry naming a folder") << "poles.xml" << folder
         << QStringList{"--catalogs", "ROOT", "list"} << 1 << QStringList{"POLES"}
         << "catalog POLES: its file ROOT/poles.xml cannot be read: it is a folder, not a file";
