@@ -5,6 +5,7 @@
 
 #include <QString>
 #include <boost/shared_ptr.hpp>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -20,6 +21,10 @@ class RepositoryStore;
 // URL forms: "sqlite:PATH", "postgresql://[user[:password]@]host[:port]/dbname[?...]",
 // "none". Without Configure the client configures itself on first use from
 // ZEVX_REPOSITORY, else the default SQLite file in the user's data folder.
+//
+// A failure is one line, "Repository URL: what failed: why", with the URL never showing
+// its password: written to the log, given as a warning of the logging category
+// "zevx.repository" (standard error unless a program filters it) and kept in LastError().
 class CRepositoryStorageManager
 {
 public:
@@ -31,8 +36,18 @@ public:
     int Configure(const QString& url);
     // The URL in use, without its password.
     QString DisplayUrl() const;
-    // Why the last call failed, empty after a success (never holds a password).
+    // Why the last call failed, empty after a success (never holds a password). A
+    // GetCatalogItemById that found no record succeeded: empty pointer, empty LastError.
     QString LastError() const;
+    // Forgets the configuration and the connection; the next call configures itself again
+    // from ZEVX_REPOSITORY (else the default file), as on first use.
+    void Reset();
+    // Called after each batch of records an AddCatalogItem sends (records sent, records in
+    // the transfer); empty to stop. For progress displays.
+    void SetProgressCallback(std::function<void(int sent, int total)> callback);
+    // The record's revision: 1 after its first push, one more with every replacement; 0
+    // when the record is not there or the repository cannot be read.
+    int GetRevision(const QString& catalogReference, const QString& catalogueId);
 
     // Non-zero when the client is set up and connected once.
     int IsInitialized();
@@ -61,9 +76,16 @@ public:
 private:
     CRepositoryStorageManager();
     void configureOnFirstUse();
+    // Configures on first use; false (LastError set) when there is no usable repository.
+    bool ready();
+    bool fail(const QString& line);
 
     std::unique_ptr<RepositoryStore> m_store;
     bool m_configured = false;
+    bool m_initialized = false;
+    QString m_displayUrl;
+    QString m_lastError;
+    std::function<void(int, int)> m_progress;
 };
 
 } // namespace Repository

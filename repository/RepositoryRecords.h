@@ -1,0 +1,41 @@
+#pragma once
+
+#include "catalog/CatalogItem.h"
+#include "repository/NetCatalogueItem.h"
+
+#include <QString>
+#include <boost/shared_ptr.hpp>
+#include <vector>
+
+namespace Repository
+{
+
+class RepositoryStore;
+
+// One record as it is sent: the columns the trees need and the item's own XML.
+struct RecordRow
+{
+    QString id;
+    QString parentId; // empty at the top
+    QString name;
+    int isGroup = 0;
+    int ord = 0;
+    QString content;
+};
+
+// The item (and, when asked, every item below it, each once) as records, sorted by GUID
+// so that two editors sending overlapping trees lock rows in the same order.
+std::vector<RecordRow> RecordsOf(ZEVGis::Data::CCatalogItem& item, bool withDescendants);
+
+// The statements of each call, run inside RepositoryStore::run.
+bool WriteRecords(RepositoryStore& store, const QString& catalogReference,
+                  const QString& catalogName, const std::vector<RecordRow>& records);
+bool ReadChildren(RepositoryStore& store, const QString& catalogReference, const QString& parentId,
+                  std::vector<boost::shared_ptr<CNetCatalogueItem>>& out);
+bool ReadItem(RepositoryStore& store, const QString& catalogReference, const QString& id,
+              boost::shared_ptr<ZEVGis::Data::CCatalogItem>& item);
+bool DeleteRecord(RepositoryStore& store, const QString& catalogReference, const QString& id);
+bool ReadRevision(RepositoryStore& store, const QString& catalogReference, const QString& id,
+                  int& revision);
+
+} // namespace Repository

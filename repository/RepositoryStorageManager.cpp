@@ -1,0 +1,187 @@
+#include "repository/RepositoryStorageManager.h"
+#include "repository/RepositoryRecords.h"
+#include "repository/RepositoryStore.h"
+#include "repository/RepositoryUrl.h"
+
+namespace Repository
+{
+
+using ZEVGis::Data::CCatalogItem;
+
+CRepositoryStorageManager* CRepositoryStorageManager::Instance()
+{
+    static CRepositoryStorageManager manager;
+    return &manager;
+}
+
+CRepositoryStorageManager::CRepositoryStorageManager() = default;
+CRepositoryStorageManager::~CRepositoryStorageManager() = default;
+
+int CRepositoryStorageManager::Configure(const QString& url)
+{
+    m_store.reset();
+    m_configured = true;
+    m_initialized = false;
+    m_lastError.clear();
+    m_displayUrl = UrlWithoutPassword(url);
+    RepositoryUrl parsed;
+    QString why;
+    if (!ParseRepositoryUrl(url, parsed, why))
+        return fail(QStringLiteral("Repository %1: the URL cannot be used: %2").arg(m_displayUrl, why));
+    if (parsed.kind == RepositoryUrl::Kind::None) {
+        // Chosen, not failed: nothing to report.
+        m_lastError = QStringLiteral("Repository none: no repository is configured");
+        return 0;
+    }
+    m_store = std::make_unique<RepositoryStore>(parsed, m_displayUrl);
+    m_store->progress = m_progress;
+    m_initialized = m_store->open();
+    if (!m_initialized) {
+        m_lastError = m_store->lastError();
+        m_store.reset();
+    }
+    return m_initialized ? 1 : 0;
+}
+
+void CRepositoryStorageManager::Reset()
+{
+    m_store.reset();
+    m_configured = false;
+    m_initialized = false;
+    m_displayUrl.clear();
+    m_lastError.clear();
+}
+
+void CRepositoryStorageManager::SetProgressCallback(std::function<void(int, int)> callback)
+{
+    m_progress = std::move(callback);
+    if (m_store)
+        m_store->progress = m_progress;
+}
+
+QString CRepositoryStorageManager::DisplayUrl() const
+{
+    return m_displayUrl;
+}
+
+QString CRepositoryStorageManager::LastError() const
+{
+    return m_lastError;
+}
+
+void CRepositoryStorageManager::configureOnFirstUse()
+{
+    if (m_configured)
+        return;
+    const QString fromEnvironment = qEnvironmentVariable("ZEVX_REPOSITORY").trimmed();
+    Configure(fromEnvironment.isEmpty() ? QStringLiteral("sqlite:") + DefaultRepositoryPath()
+                                        : fromEnvironment);
+}
+
+bool CRepositoryStorageManager::fail(const QString& line)
+{
+    m_lastError = line;
+    ReportRepositoryFailure(line);
+    return false;
+}
+
+bool CRepositoryStorageManager::ready()
+{
+    configureOnFirstUse();
+    if (m_store)
+        return true;
+    if (m_lastError.isEmpty())
+        m_lastError = QStringLiteral("Repository %1: not connected").arg(m_displayUrl);
+    return false;
+}
+
+int CRepositoryStorageManager::IsInitialized()
+{
+    configureOnFirstUse();
+    return m_initialized ? 1 : 0;
+}
+
+int CRepositoryStorageManager::IsRepositoryAccessible()
+{
+    configureOnFirstUse();
+    return m_store && m_store->accessible() ? 1 : 0;
+}
+
+int CRepositoryStorageManager::GetChildCatalogItems(const QString& catalogReference, const QString& parentId,
+                                                    std::vector<boost::shared_ptr<CNetCatalogueItem>>& out, int)
+{
+    if (!ready())
+        return 0;
+    m_lastError.clear();
+    const QString what = parentId.isEmpty()
+        ? QStringLiteral("reading the top-level records of catalog %1").arg(catalogReference)
+        : QStringLiteral("reading the records under %1 in catalog %2").arg(parentId, catalogReference);
+    if (m_store->run(what, false, [&] { return ReadChildren(*m_store, catalogReference, parentId, out); }))
+        return 1;
+    m_lastError = m_store->lastError();
+    return 0;
+}
+
+boost::shared_ptr<CCatalogItem> CRepositoryStorageManager::GetCatalogItemById(const QString& catalogReference,
+                                                                              const QString& catalogueId, int)
+{
+    boost::shared_ptr<CCatalogItem> item;
+    if (!ready())
+        return item;
+    m_lastError.clear();
+    const QString what = QStringLiteral("reading record %1 of catalog %2").arg(catalogueId, catalogReference);
+    if (!m_store->run(what, false, [&] { return ReadItem(*m_store, catalogReference, catalogueId, item); })) {
+        m_lastError = m_store->lastError();
+        item.reset();
+    }
+    return item;
+}
+
+int CRepositoryStorageManager::AddCatalogItem(const QString& catalogReference, const QString& catalogName,
+                                              boost::shared_ptr<CCatalogItem> item, int flag)
+{
+    if (!ready())
+        return 0;
+    m_lastError.clear();
+    if (!item || item->GetGUID().isEmpty()) {
+        fail(QStringLiteral("Repository %1: sending to catalog %2 failed: the item has no GUID")
+                 .arg(m_displayUrl, catalogReference));
+        return 0;
+    }
+    const std::vector<RecordRow> records = RecordsOf(*item, flag != 0);
+    QString what = QStringLiteral("sending \"%1\" %2").arg(item->GetName(), item->GetGUID());
+    if (records.size() > 1)
+        what += QStringLiteral(" with %1 descendant(s)").arg(records.size() - 1);
+    what += QStringLiteral(" to catalog %1").arg(catalogReference);
+    if (m_store->run(what, true, [&] { return WriteRecords(*m_store, catalogReference, catalogName, records); }))
+        return 1;
+    m_lastError = m_store->lastError();
+    return 0;
+}
+
+int CRepositoryStorageManager::DeleteCatalogItem(const QString& catalogReference, const QString& catalogueId)
+{
+    if (!ready())
+        return 0;
+    m_lastError.clear();
+    const QString what = QStringLiteral("deleting record %1 of catalog %2").arg(catalogueId, catalogReference);
+    if (m_store->run(what, true, [&] { return DeleteRecord(*m_store, catalogReference, catalogueId); }))
+        return 1;
+    m_lastError = m_store->lastError();
+    return 0;
+}
+
+int CRepositoryStorageManager::GetRevision(const QString& catalogReference, const QString& catalogueId)
+{
+    if (!ready())
+        return 0;
+    m_lastError.clear();
+    int revision = 0;
+    const QString what = QStringLiteral("reading the revision of record %1 of catalog %2").arg(catalogueId, catalogReference);
+    if (m_store->run(what, false, [&] { return ReadRevision(*m_store, catalogReference, catalogueId, revision); }))
+        return revision;
+    m_lastError = m_store->lastError();
+    return 0;
+}
+
+} // namespace Repository
