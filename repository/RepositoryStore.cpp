@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QThread>
@@ -26,6 +27,17 @@ constexpr int DefaultConnectTimeoutSeconds = 10;
 
 std::atomic<int> connectionCounter{0};
 
+QtMessageHandler previousHandler = nullptr;
+
+// Qt's PostgreSQL driver frees each prepared statement on the server when its query is
+// destroyed and warns when the server is gone; after a lost connection that is expected.
+void withoutFreeStatementWarnings(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (type == QtWarningMsg && message.startsWith(QLatin1String("Unable to free statement")))
+        return;
+    previousHandler(type, context, message);
+}
+
 } // namespace
 
 void ReportRepositoryFailure(const QString& line)
@@ -38,7 +50,10 @@ void ReportRepositoryFailure(const QString& line)
 
 QString FoldedError(const QSqlError& error)
 {
-    QString text = error.databaseText().simplified();
+    // The statement's text that PostgreSQL quotes ("LINE 1: CREATE ... ^") says nothing to
+    // a user and would make the line long.
+    static const QRegularExpression quotedStatement(QStringLiteral("\\n?LINE \\d+:[^\\n]*\\n[ \\t]*\\^"));
+    QString text = error.databaseText().remove(quotedStatement).simplified();
     const QString driver = error.driverText().simplified();
     if (text.isEmpty())
         text = driver;
@@ -152,6 +167,11 @@ bool RepositoryStore::connect(QString& why)
 
 void RepositoryStore::close()
 {
+    if (!m_queries.empty() && (!m_accessible || !m_db.isOpen())) {
+        previousHandler = qInstallMessageHandler(withoutFreeStatementWarnings);
+        m_queries.clear();
+        qInstallMessageHandler(previousHandler);
+    }
     m_queries.clear();
     if (m_db.isValid())
         m_db.close();
@@ -256,6 +276,8 @@ bool RepositoryStore::commit()
 void RepositoryStore::rollback()
 {
     finishQueries();
+    if (!m_db.isOpen() || m_failure == FailureKind::Connection)
+        return; // the server has rolled back what it had
     QSqlQuery query(m_db);
     query.exec(QStringLiteral("ROLLBACK")); // on a lost connection the server has done it
 }

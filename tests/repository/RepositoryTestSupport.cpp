@@ -41,7 +41,7 @@ PostgresServer* sharedServer(QString& why)
     return server.get();
 }
 
-QString freshRepository(const QString& backend, QTemporaryDir& folder, QString& why)
+QString freshRepository(const QString& backend, QTemporaryDir& folder, QString& why, QString* database)
 {
     static int counter = 0;
     ++counter;
@@ -55,6 +55,8 @@ QString freshRepository(const QString& backend, QTemporaryDir& folder, QString& 
         why = server->error();
         return QString();
     }
+    if (database)
+        *database = name;
     return server->url(PostgresServer::writer, PostgresServer::writerPassword, name);
 }
 

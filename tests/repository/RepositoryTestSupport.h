@@ -26,7 +26,8 @@ void stopSharedServer();
 
 // A fresh, empty repository of the back end ("sqlite" or "postgresql"): a new file, or a
 // new database owned by the read-write role. Empty, with `why`, when it cannot be made.
-QString freshRepository(const QString& backend, QTemporaryDir& folder, QString& why);
+QString freshRepository(const QString& backend, QTemporaryDir& folder, QString& why,
+                        QString* database = nullptr);
 
 // Adds the column "backend" with one row per back end, named after it.
 void addBackendRows();
