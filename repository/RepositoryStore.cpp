@@ -10,6 +10,11 @@
 #include <QThread>
 #include <atomic>
 
+#ifdef ZEVX_HAVE_LIBPQ
+#include <QSqlDriver>
+#include <libpq-fe.h>
+#endif
+
 Q_LOGGING_CATEGORY(lcRepository, "zevx.repository")
 
 namespace Repository
@@ -38,6 +43,30 @@ void withoutFreeStatementWarnings(QtMsgType type, const QMessageLogContext& cont
     previousHandler(type, context, message);
 }
 
+#ifdef ZEVX_HAVE_LIBPQ
+void noticeToLog(void*, const char* message)
+{
+    FunctionTracer tracer("RepositoryStore", __LINE__, "CRepositoryStorageManager", 4, false);
+    tracer.Log(3, QStringLiteral("Repository server: %1").arg(QString::fromUtf8(message).simplified())
+                      .toLocal8Bit().toStdString());
+}
+#endif
+
+// libpq prints the server's notices on standard error, where a program's user would see
+// "WARNING: terminating connection" beside the client's own line.
+void sendNoticesToLog(const QSqlDatabase& db)
+{
+#ifdef ZEVX_HAVE_LIBPQ
+    const QVariant handle = db.driver()->handle();
+    // The type is named after libpq's struct behind the PGconn typedef.
+    if (handle.isValid() && (qstrcmp(handle.typeName(), "PGconn*") == 0 || qstrcmp(handle.typeName(), "pg_conn*") == 0))
+        if (PGconn* connection = *static_cast<PGconn* const*>(handle.constData()))
+            PQsetNoticeProcessor(connection, noticeToLog, nullptr);
+#else
+    Q_UNUSED(db);
+#endif
+}
+
 } // namespace
 
 void ReportRepositoryFailure(const QString& line)
@@ -54,6 +83,8 @@ QString FoldedError(const QSqlError& error)
     // a user and would make the line long.
     static const QRegularExpression quotedStatement(QStringLiteral("\\n?LINE \\d+:[^\\n]*\\n[ \\t]*\\^"));
     QString text = error.databaseText().remove(quotedStatement).simplified();
+    if (text.endsWith(QLatin1String(" ()")))
+        text.chop(3); // Qt's place for the SQLSTATE, empty when the connection broke
     const QString driver = error.driverText().simplified();
     if (text.isEmpty())
         text = driver;
@@ -152,6 +183,8 @@ bool RepositoryStore::connect(QString& why)
         why = FoldedError(m_db.lastError());
         return false;
     }
+    if (postgres)
+        sendNoticesToLog(m_db);
     if (!postgres) {
         // WAL lets readers go on while another program writes; the pragma also proves the
         // file is a database at all.
