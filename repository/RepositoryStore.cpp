@@ -187,9 +187,12 @@ bool RepositoryStore::connect(QString& why)
         sendNoticesToLog(m_db);
     if (!postgres) {
         // WAL lets readers go on while another program writes; the pragma also proves the
-        // file is a database at all.
+        // file is a database at all. With WAL, synchronous=NORMAL syncs at checkpoints
+        // instead of at every commit and still never leaves a broken file: a push of ten
+        // thousand records no longer waits on the disk for each of its transactions.
         QSqlQuery pragma(m_db);
         if (!pragma.exec(QStringLiteral("PRAGMA journal_mode=WAL"))
+            || !pragma.exec(QStringLiteral("PRAGMA synchronous=NORMAL"))
             || !pragma.exec(QStringLiteral("PRAGMA foreign_keys=ON"))) {
             why = FoldedError(pragma.lastError());
             return false;
