@@ -107,45 +107,43 @@ int CRepositoryStorageManager::IsRepositoryAccessible()
     return m_store && m_store->accessible() ? 1 : 0;
 }
 
+bool CRepositoryStorageManager::call(const QString& what, bool write, const std::function<bool()>& work)
+{
+    if (!ready())
+        return false;
+    m_lastError.clear();
+    if (m_store->run(what, write, work))
+        return true;
+    m_lastError = m_store->lastError();
+    return false;
+}
+
 int CRepositoryStorageManager::GetChildCatalogItems(const QString& catalogReference, const QString& parentId,
                                                     std::vector<boost::shared_ptr<CNetCatalogueItem>>& out, int)
 {
-    if (!ready())
-        return 0;
-    m_lastError.clear();
     const QString what = parentId.isEmpty()
         ? QStringLiteral("reading the top-level records of catalog %1").arg(catalogReference)
         : QStringLiteral("reading the records under %1 in catalog %2").arg(parentId, catalogReference);
-    if (m_store->run(what, false, [&] { return ReadChildren(*m_store, catalogReference, parentId, out); }))
-        return 1;
-    m_lastError = m_store->lastError();
-    return 0;
+    return call(what, false, [&] { return ReadChildren(*m_store, catalogReference, parentId, out); }) ? 1 : 0;
 }
 
 boost::shared_ptr<CCatalogItem> CRepositoryStorageManager::GetCatalogItemById(const QString& catalogReference,
                                                                               const QString& catalogueId, int)
 {
     boost::shared_ptr<CCatalogItem> item;
-    if (!ready())
-        return item;
-    m_lastError.clear();
     const QString what = QStringLiteral("reading record %1 of catalog %2").arg(catalogueId, catalogReference);
-    if (!m_store->run(what, false, [&] { return ReadItem(*m_store, catalogReference, catalogueId, item); })) {
-        m_lastError = m_store->lastError();
+    if (!call(what, false, [&] { return ReadItem(*m_store, catalogReference, catalogueId, item); }))
         item.reset();
-    }
     return item;
 }
 
 int CRepositoryStorageManager::AddCatalogItem(const QString& catalogReference, const QString& catalogName,
                                               boost::shared_ptr<CCatalogItem> item, int flag)
 {
-    if (!ready())
-        return 0;
-    m_lastError.clear();
     if (!item || item->GetGUID().isEmpty()) {
-        fail(QStringLiteral("Repository %1: sending to catalog %2 failed: the item has no GUID")
-                 .arg(m_displayUrl, catalogReference));
+        if (ready())
+            fail(QStringLiteral("Repository %1: sending to catalog %2 failed: the item has no GUID")
+                     .arg(m_displayUrl, catalogReference));
         return 0;
     }
     const std::vector<RecordRow> records = RecordsOf(*item, flag != 0);
@@ -153,35 +151,20 @@ int CRepositoryStorageManager::AddCatalogItem(const QString& catalogReference, c
     if (records.size() > 1)
         what += QStringLiteral(" with %1 descendant(s)").arg(records.size() - 1);
     what += QStringLiteral(" to catalog %1").arg(catalogReference);
-    if (m_store->run(what, true, [&] { return WriteRecords(*m_store, catalogReference, catalogName, records); }))
-        return 1;
-    m_lastError = m_store->lastError();
-    return 0;
+    return call(what, true, [&] { return WriteRecords(*m_store, catalogReference, catalogName, records); }) ? 1 : 0;
 }
 
 int CRepositoryStorageManager::DeleteCatalogItem(const QString& catalogReference, const QString& catalogueId)
 {
-    if (!ready())
-        return 0;
-    m_lastError.clear();
     const QString what = QStringLiteral("deleting record %1 of catalog %2").arg(catalogueId, catalogReference);
-    if (m_store->run(what, true, [&] { return DeleteRecord(*m_store, catalogReference, catalogueId); }))
-        return 1;
-    m_lastError = m_store->lastError();
-    return 0;
+    return call(what, true, [&] { return DeleteRecord(*m_store, catalogReference, catalogueId); }) ? 1 : 0;
 }
 
 int CRepositoryStorageManager::GetRevision(const QString& catalogReference, const QString& catalogueId)
 {
-    if (!ready())
-        return 0;
-    m_lastError.clear();
     int revision = 0;
     const QString what = QStringLiteral("reading the revision of record %1 of catalog %2").arg(catalogueId, catalogReference);
-    if (m_store->run(what, false, [&] { return ReadRevision(*m_store, catalogReference, catalogueId, revision); }))
-        return revision;
-    m_lastError = m_store->lastError();
-    return 0;
+    return call(what, false, [&] { return ReadRevision(*m_store, catalogReference, catalogueId, revision); }) ? revision : 0;
 }
 
 } // namespace Repository

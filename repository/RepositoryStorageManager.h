@@ -79,6 +79,9 @@ private:
     // Configures on first use; false (LastError set) when there is no usable repository.
     bool ready();
     bool fail(const QString& line);
+    // Runs one call's work on the store (in a transaction when `write`); false, with
+    // LastError set, when it failed.
+    bool call(const QString& what, bool write, const std::function<bool()>& work);
 
     std::unique_ptr<RepositoryStore> m_store;
     bool m_configured = false;

@@ -4,33 +4,12 @@
 // The group "{G}" gets the sub-groups {S<FIRST>}..{S<FIRST+COUNT-1>}, each with two items.
 // Exit 0 when every push succeeded, else 1 with the client's line on standard error.
 
-#include "repository/RepositoryStorageManager.h"
+#include "tests/repository/RepositoryTestSupport.h"
 
 #include <QCoreApplication>
 #include <QTextStream>
-#include <boost/make_shared.hpp>
 
-using ZEVGis::Data::CCatalogItem;
-
-namespace
-{
-
-boost::shared_ptr<CCatalogItem> child(const boost::shared_ptr<CCatalogItem>& parent, const QString& name,
-                                      bool group, int ord)
-{
-    auto item = boost::make_shared<CCatalogItem>();
-    item->SetGUID(QStringLiteral("{%1}").arg(name));
-    item->SetName(name);
-    item->SetIsGroup(group);
-    item->SetOrd(ord);
-    if (parent) {
-        item->SetParentItem(parent);
-        parent->AddSubItem(item);
-    }
-    return item;
-}
-
-} // namespace
+using RepositoryTest::makeItem;
 
 int main(int argc, char** argv)
 {
@@ -49,11 +28,11 @@ int main(int argc, char** argv)
         err << repository->LastError() << '\n';
         return 1;
     }
-    auto group = child({}, QStringLiteral("G"), true, 0);
+    auto group = makeItem(QStringLiteral("G"), true);
     for (int i = first; i < first + count; ++i) {
-        auto sub = child(group, QStringLiteral("S%1").arg(i), true, i);
-        child(sub, QStringLiteral("S%1-a").arg(i), false, 0);
-        child(sub, QStringLiteral("S%1-b").arg(i), false, 1);
+        auto sub = makeItem(QStringLiteral("S%1").arg(i), true, group, i);
+        makeItem(QStringLiteral("S%1-a").arg(i), false, sub, 0);
+        makeItem(QStringLiteral("S%1-b").arg(i), false, sub, 1);
     }
     for (int round = 0; round < rounds; ++round) {
         if (!repository->AddCatalogItem(args[2], QStringLiteral("Pushed"), group, 1)) {

@@ -67,6 +67,12 @@ void addBackendRows()
     QTest::newRow("postgresql") << QStringLiteral("postgresql");
 }
 
+void addPostgresRow()
+{
+    QTest::addColumn<QString>("backend");
+    QTest::newRow("postgresql") << QStringLiteral("postgresql");
+}
+
 Item makeItem(const QString& name, bool group, const Item& parent, int ord)
 {
     auto item = boost::make_shared<CCatalogItem>();

@@ -31,6 +31,8 @@ QString freshRepository(const QString& backend, QTemporaryDir& folder, QString& 
 
 // Adds the column "backend" with one row per back end, named after it.
 void addBackendRows();
+// The same column with the PostgreSQL row alone, for what only a server can show.
+void addPostgresRow();
 
 // An item (a group when `group`) with the GUID "{name}" hung under `parent`.
 Item makeItem(const QString& name, bool group, const Item& parent = {}, int ord = 0);

@@ -82,7 +82,9 @@ private slots:
     void connectionRefused();
     void newerSchemaRefused_data() { addBackendRows(); }
     void newerSchemaRefused();
+    void readOnlyUser_data() { addPostgresRow(); }
     void readOnlyUser();
+    void serverStoppedMidTransfer_data() { addPostgresRow(); }
     void serverStoppedMidTransfer();
     void twoProcessesPushAtOnce_data() { addBackendRows(); }
     void twoProcessesPushAtOnce();
@@ -260,7 +262,6 @@ void TestRepositoryFailures::connectionRefused()
 void TestRepositoryFailures::newerSchemaRefused()
 {
     REPOSITORY_SETUP(folder);
-    QString database;
     const QString target = backend == u"sqlite" ? folder.filePath(QStringLiteral("repository.sqlite"))
                                                 : url.section(u'/', -1);
     QVERIFY(repository->AddCatalogItem(QStringLiteral("REF"), QString(), makeItem(QStringLiteral("I"), false), 0));
@@ -276,19 +277,20 @@ void TestRepositoryFailures::newerSchemaRefused()
 
 void TestRepositoryFailures::readOnlyUser()
 {
-    QString why;
-    PostgresServer* server = sharedServer(why);
-    if (!server)
-        QSKIP(qPrintable(why));
-    QTemporaryDir folder;
-    QString database;
-    const QString writerUrl = freshRepository(QStringLiteral("postgresql"), folder, why, &database);
-    QVERIFY2(!writerUrl.isEmpty(), qPrintable(why));
-    auto* repository = CRepositoryStorageManager::Instance();
+    REPOSITORY_SETUP(folder);
+    PostgresServer* server = sharedServer(setupWhy);
+    const QString writerUrl = url;
+    const QString database = url.section(u'/', -1);
 
-    // No tables yet, and no right to make them.
+    // Tables there but not granted yet: said so, nothing made or changed.
     const QString readerUrl = server->url(PostgresServer::reader, PostgresServer::readerPassword, database);
     QCOMPARE(repository->Configure(readerUrl), 0);
+    QVERIFY2(repository->LastError().contains(u"reading the schema version: ERROR: permission denied for table schema_version"),
+             qPrintable(repository->LastError()));
+    // An empty database and no right to make the tables.
+    QString empty;
+    QVERIFY(!freshRepository(backend, folder, setupWhy, &empty).isEmpty());
+    QCOMPARE(repository->Configure(server->url(PostgresServer::reader, PostgresServer::readerPassword, empty)), 0);
     QVERIFY2(repository->LastError().contains(u"creating the repository's tables: ERROR: permission denied for schema public (42501)"),
              qPrintable(repository->LastError()));
 
@@ -313,15 +315,8 @@ void TestRepositoryFailures::readOnlyUser()
 
 void TestRepositoryFailures::serverStoppedMidTransfer()
 {
-    QString why;
-    PostgresServer* server = sharedServer(why);
-    if (!server)
-        QSKIP(qPrintable(why));
-    QTemporaryDir folder;
-    const QString url = freshRepository(QStringLiteral("postgresql"), folder, why);
-    QVERIFY2(!url.isEmpty(), qPrintable(why));
-    auto* repository = CRepositoryStorageManager::Instance();
-    QVERIFY(repository->Configure(url));
+    REPOSITORY_SETUP(folder);
+    PostgresServer* server = sharedServer(setupWhy);
     QVERIFY(repository->AddCatalogItem(QStringLiteral("REF"), QString(), makeItem(QStringLiteral("Earlier"), false), 0));
 
     Item big = makeItem(QStringLiteral("Big"), true);
