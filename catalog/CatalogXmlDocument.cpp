@@ -34,19 +34,31 @@ namespace
 
 // Where the first byte that cannot start or continue a UTF-8 sequence lies; `size` when
 // there is none. Overlong forms, surrogates and code points past U+10FFFF count as bad.
-size_t firstBadUtf8(const char* data, size_t size)
+// `suspect` is set when the text may hold a character XML 1.0 cannot hold: a control
+// character other than tab, line feed and carriage return, U+FFFE, U+FFFF, or a character
+// reference ("&#"), which may stand for one. Only such texts are searched for them.
+size_t firstBadUtf8(const char* data, size_t size, bool& suspect)
 {
+    constexpr quint64 ones = 0x0101010101010101ULL;
+    constexpr quint64 highs = 0x8080808080808080ULL;
     const auto* bytes = reinterpret_cast<const unsigned char*>(data);
     size_t i = 0;
     while (i < size) {
-        // Mostly ASCII: eight bytes at a time while no high bit is set.
+        // Mostly ASCII: eight bytes at a time while none has its high bit set, none is
+        // below 0x20 and none is "&".
         quint64 word;
-        if (i + 8 <= size && (std::memcpy(&word, bytes + i, 8), (word & 0x8080808080808080ULL) == 0)) {
-            i += 8;
-            continue;
+        if (i + 8 <= size && (std::memcpy(&word, bytes + i, 8), (word & highs) == 0)) {
+            const quint64 amp = word ^ (ones * '&');
+            if ((((word - ones * 0x20) | (amp - ones)) & highs) == 0) {
+                i += 8;
+                continue;
+            }
         }
         const unsigned char lead = bytes[i];
         if (lead < 0x80) {
+            if ((lead < 0x20 && lead != '\t' && lead != '\n' && lead != '\r')
+                || (lead == '&' && i + 1 < size && bytes[i + 1] == '#'))
+                suspect = true;
             ++i;
             continue;
         }
@@ -70,6 +82,8 @@ size_t firstBadUtf8(const char* data, size_t size)
         for (size_t k = 2; k < length; ++k)
             if ((bytes[i + k] & 0xC0) != 0x80)
                 return i;
+        if (lead == 0xEF && bytes[i + 1] == 0xBF && bytes[i + 2] >= 0xBE)
+            suspect = true;
         i += length;
     }
     return size;
@@ -161,16 +175,19 @@ bool parseDocument(pugi::xml_document& doc, const char* data, size_t size, bool 
     }
     // The parser passes bytes through unchecked: a file in another 8-bit encoding would be
     // read with its letters replaced, and saving would make that loss permanent.
-    if (!forceUtf8 && result.encoding == pugi::encoding_utf8) {
-        const size_t bad = firstBadUtf8(data, size);
-        if (bad < size) {
+    bool suspect = true; // texts converted from other encodings are always searched
+    if (forceUtf8 || result.encoding == pugi::encoding_utf8) {
+        suspect = false;
+        const size_t bad = firstBadUtf8(data, size, suspect);
+        suspect = suspect || bad < size; // the rest was not looked at
+        if (bad < size && !forceUtf8) {
             error = QStringLiteral("not UTF-8 text at %1 (byte 0x%2): the file must be saved as UTF-8")
                         .arg(positionIn(data, size, ptrdiff_t(bad)),
                              QString::number(static_cast<unsigned char>(data[bad]), 16).toUpper());
             return false;
         }
     }
-    return checkCharacters(doc, data, size, error);
+    return !suspect || checkCharacters(doc, data, size, error);
 }
 
 bool checkTreeDepth(const CCatalog::ItemMap& all, QString& why)

@@ -289,6 +289,8 @@ private slots:
         // What XML 1.0 does hold comes back as it was.
         QTest::newRow("tab, line feed, carriage return as references")
             << head + "<i id=\"{1}\" n=\"a&#9;b&#10;c&#13;d\"/></catalog>" << "";
+        QTest::newRow("a reference in a comment is no character")
+            << head + "<!-- &#1; -->\n<i id=\"{1}\"/></catalog>" << "";
         QTest::newRow("characters next to the refused ones")
             << head + "<i id=\"{1}\" n=\"&#x20;&#xD7FF;&#xE000;&#xFFFD;&#x10000;&#x10FFFF;\"/></catalog>" << "";
     }
