@@ -107,14 +107,19 @@ QString CatalogStore::catalogPath(const CCatalogMetadata& metadata) const
     return QDir(m_root).filePath(metadata.fileName);
 }
 
-QString CatalogStore::drawingCopyPath(const CCatalogMetadata& metadata) const
+QString CatalogStore::drawingCopyName(const CCatalogMetadata& metadata) const
 {
     // The catalog file's path within the store, so that "lv/cables.xml" and "mv/cables.xml"
     // get copies of their own; a file outside the store goes by its name alone.
     QString relative = QDir(m_root).relativeFilePath(catalogPath(metadata));
     if (relative == u".." || relative.startsWith(QStringLiteral("../")) || QDir::isAbsolutePath(relative))
         relative = QFileInfo(metadata.fileName).fileName();
-    return m_drawingPath + QStringLiteral(".catalogs/") + relative;
+    return relative;
+}
+
+QString CatalogStore::drawingCopyPath(const CCatalogMetadata& metadata) const
+{
+    return m_drawingPath + QStringLiteral(".catalogs/") + drawingCopyName(metadata);
 }
 
 void CatalogStore::error(const QString& message)
@@ -302,13 +307,21 @@ void CatalogStore::loadRegistry()
                       .arg(registryPath(), metadata->reference, where));
             continue;
         }
-        const auto sameFile = std::find_if(m_entries.begin(), m_entries.end(),
-                                           [&](const Entry& other) { return other.fileKey == fileKey; });
+        // Files outside the store keep drawing copies by their name alone: two such files of
+        // one name would share a copy.
+        QString copyKey;
+        if (metadata->maintainDocumentSpecificVersion)
+            copyKey = ignoreCase ? drawingCopyName(*metadata).toCaseFolded() : drawingCopyName(*metadata);
+        const auto sameFile = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry& other) {
+            return other.fileKey == fileKey || (!copyKey.isEmpty() && other.copyKey == copyKey);
+        });
         if (sameFile != m_entries.end()) {
+            const bool catalogFile = sameFile->fileKey == fileKey;
             error(QStringLiteral("Catalog registry %1: entries %2 and %3 (at %4) both name the file %5; %3 is left out, "
                                  "so that saving one cannot overwrite the other")
                       .arg(registryPath(), sameFile->metadata->reference, metadata->reference, where,
-                           QDir::toNativeSeparators(QDir::cleanPath(catalogPath(*metadata)))));
+                           catalogFile ? QDir::toNativeSeparators(QDir::cleanPath(catalogPath(*metadata)))
+                                       : QStringLiteral("<drawing>.catalogs/") + drawingCopyName(*metadata)));
             continue;
         }
         if (!numbersOk)
@@ -318,6 +331,7 @@ void CatalogStore::loadRegistry()
         Entry entry;
         entry.metadata = metadata;
         entry.fileKey = fileKey;
+        entry.copyKey = copyKey;
         entry.templates = readTemplates(node, reader, registryPath(), metadata->reference, problems);
         for (const QString& message : problems)
             error(message);

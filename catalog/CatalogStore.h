@@ -40,6 +40,8 @@ public:
     QString registryPath() const;
     QString catalogPath(const CCatalogMetadata& metadata) const;
     QString drawingCopyPath(const CCatalogMetadata& metadata) const;
+    // The drawing copy's path within "<drawing>.catalogs/".
+    QString drawingCopyName(const CCatalogMetadata& metadata) const;
 
     // The registry in file order; empty (with an error) when it cannot be read.
     const std::vector<boost::shared_ptr<CCatalogMetadata>>& registry();
@@ -71,8 +73,10 @@ private:
     struct Entry
     {
         boost::shared_ptr<CCatalogMetadata> metadata;
-        // Its catalog file, as compared with the other entries' (one file, one entry).
+        // Its catalog file and drawing copy, as compared with the other entries' (one file,
+        // one entry).
         QString fileKey;
+        QString copyKey;
         std::vector<boost::shared_ptr<CCatalogItemTemplate>> templates;
         boost::shared_ptr<CCatalog> catalog;
         boost::shared_ptr<CCatalog> drawingCopy;

@@ -249,6 +249,8 @@ private slots:
         QTest::newRow("through a folder and back") << "sub/../cables.xml" << "both name the file";
         QTest::newRow("through a link") << "link.xml" << "both name the file";
         QTest::newRow("the registry itself") << "registry.xml" << "names the registry itself";
+        // Outside the store a file's drawing copy goes by its name alone.
+        QTest::newRow("one drawing copy for two files") << "../other/cables.xml" << "both name the file <drawing>.catalogs/cables.xml";
         QTest::newRow("a file of its own") << "conductors.xml" << "";
     }
 
@@ -257,17 +259,19 @@ private slots:
         QFETCH(QString, file);
         QFETCH(QString, error);
         QTemporaryDir dir;
+        const QDir store(dir.filePath(QStringLiteral("store")));
         const QByteArray registry = "<registry>\n"
-                                    " <catalog reference=\"CABLES\" file=\"cables.xml\"/>\n"
-                                    " <catalog reference=\"CONDUCTORS\" file=\"" + file.toUtf8() + "\"/>\n"
+                                    " <catalog reference=\"CABLES\" file=\"cables.xml\" drawingVersion=\"1\"/>\n"
+                                    " <catalog reference=\"CONDUCTORS\" file=\"" + file.toUtf8() + "\" drawingVersion=\"1\"/>\n"
                                     "</registry>\n";
-        QVERIFY(writeAll(dir.filePath(QStringLiteral("registry.xml")), registry));
-        QVERIFY(writeAll(dir.filePath(QStringLiteral("cables.xml")), catalogOfSize(100, QStringLiteral("C"))));
-        QDir(dir.path()).mkdir(QStringLiteral("sub"));
-        QFile::link(dir.filePath(QStringLiteral("cables.xml")), dir.filePath(QStringLiteral("link.xml")));
+        QVERIFY(writeAll(store.filePath(QStringLiteral("registry.xml")), registry));
+        QVERIFY(writeAll(store.filePath(QStringLiteral("cables.xml")), catalogOfSize(100, QStringLiteral("C"))));
+        QVERIFY(writeAll(dir.filePath(QStringLiteral("other/cables.xml")), catalogOfSize(100, QStringLiteral("O"))));
+        store.mkdir(QStringLiteral("sub"));
+        QFile::link(store.filePath(QStringLiteral("cables.xml")), store.filePath(QStringLiteral("link.xml")));
 
         CCatalogManager* manager = CCatalogManager::Instance();
-        manager->Configure(dir.path(), QString());
+        manager->Configure(store.path(), dir.filePath(QStringLiteral("plan.dwg")));
         std::vector<boost::shared_ptr<CCatalogMetadata>> entries;
         manager->GetCatalogRegistry(entries);
         const QString errors = manager->TakeErrors().join(u'\n');
@@ -277,19 +281,23 @@ private slots:
             return;
         }
         QVERIFY2(errors.contains(error) && errors.contains(QStringLiteral("CONDUCTORS")), qPrintable(errors));
-        QVERIFY2(errors.contains(dir.path()), qPrintable(errors));
+        QVERIFY2(errors.contains(store.path()), qPrintable(errors));
 
         // The later entry is gone, so nothing saved through it can undo a save of the first.
         auto cables = manager->GetCatalog(QStringLiteral("CABLES"), 1);
-        QVERIFY(cables);
+        auto copy = manager->GetCatalog(QStringLiteral("CABLES"), 0);
+        QVERIFY(cables && copy);
         QVERIFY(!manager->GetCatalog(QStringLiteral("CONDUCTORS"), 1));
         add(*cables, QStringLiteral("{NEW}"), QStringLiteral("Novi kabel"), false);
+        add(*copy, QStringLiteral("{NEW}"), QStringLiteral("Novi kabel"), false);
         QCOMPARE(manager->Save(QStringLiteral("CABLES"), 1, 1), 1);
         QCOMPARE(manager->Save(QStringLiteral("CONDUCTORS"), 1, 1), 0);
-        CCatalog saved;
-        QVERIFY(saved.ParseXMLBytes(readAll(dir.filePath(QStringLiteral("cables.xml")))));
-        QVERIFY(saved.GetItembyGuid(QStringLiteral("{NEW}")));
-        QCOMPARE(readAll(dir.filePath(QStringLiteral("registry.xml"))), registry);
+        for (const QString& path : {store.filePath(QStringLiteral("cables.xml")), dir.filePath(QStringLiteral("plan.dwg.catalogs/cables.xml"))}) {
+            CCatalog saved;
+            QVERIFY(saved.ParseXMLBytes(readAll(path)));
+            QVERIFY(saved.GetItembyGuid(QStringLiteral("{NEW}")));
+        }
+        QCOMPARE(readAll(store.filePath(QStringLiteral("registry.xml"))), registry);
         manager->TakeErrors();
     }
 };
