@@ -102,13 +102,16 @@ void SafeFileWrite::drop()
 bool SafeFileWrite::fail(const QString& systemReason, qint64 needed)
 {
     drop(); // first, so the free space measured below does not count the temporary file
+    m_failed = true;
     m_error = reason(m_path, needed, systemReason);
     return false;
 }
 
 bool SafeFileWrite::write(const QByteArray& bytes)
 {
-    m_error.clear();
+    // What was written before a failure is gone: later bytes alone must not be put in place.
+    if (m_failed)
+        return false;
     if (!m_file) {
         if (!QFileInfo(QFileInfo(m_path).absolutePath()).isDir())
             return fail(QString(), bytes.size());
@@ -131,7 +134,7 @@ bool SafeFileWrite::write(const QByteArray& bytes)
 bool SafeFileWrite::commit()
 {
     if (!m_file) {
-        if (m_error.isEmpty())
+        if (!m_failed)
             m_error = message(70405).arg(QDir::toNativeSeparators(m_path), QStringLiteral("nothing was written"));
         return false;
     }

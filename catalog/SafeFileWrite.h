@@ -26,7 +26,8 @@ public:
 
     QString path() const { return m_path; }
     // Writes all of `bytes` to the temporary file (after what earlier calls wrote) and makes
-    // sure they reached the disk. After a failure the temporary file is gone.
+    // sure they reached the disk. After a failure the temporary file is gone, and every
+    // later write() and commit() fails too.
     bool write(const QByteArray& bytes);
     // Puts the written file in place of the target.
     bool commit();
@@ -43,6 +44,7 @@ private:
     QString m_error;
     std::unique_ptr<QSaveFile> m_file;
     qint64 m_written = 0;
+    bool m_failed = false; // a failed write or commit is final
 };
 
 // The one-call form: true when `path` now holds exactly `bytes`; otherwise false, the old

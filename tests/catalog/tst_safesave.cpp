@@ -183,6 +183,16 @@ private slots:
         QCOMPARE(readAll(path), QByteArray("new bytes"));
         QVERIFY(!file.commit()); // nothing left to put in place
         QVERIFY(file.error().contains(path));
+
+        // Bytes written after a failure are not put in place without the ones before.
+        const QString later = dir.filePath(QStringLiteral("later/b.xml"));
+        SafeFileWrite failed(later);
+        QVERIFY(!failed.write("first half, "));
+        QVERIFY(QDir(dir.path()).mkdir(QStringLiteral("later")));
+        QVERIFY(!failed.write("second half"));
+        QVERIFY(!failed.commit());
+        QVERIFY2(failed.error().contains(QStringLiteral("does not exist")), qPrintable(failed.error()));
+        QVERIFY(!QFileInfo::exists(later));
     }
 
     // A save through the manager on a full disk: the catalog and its drawing copy both stay
