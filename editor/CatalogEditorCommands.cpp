@@ -9,12 +9,15 @@
 #include "controls/ZEVBitmapButton.h"
 #include "editor/CatalogEditorIds.h"
 #include "editor/CatalogEdits.h"
+#include "editor/EditCommands.h"
 #include "host/HostServices.h"
 #include "trace/FunctionTracer.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QKeyEvent>
+#include <QLineEdit>
+#include <QUndoStack>
 
 using namespace ZEVGis;
 using namespace ZEVGis::Data;
@@ -86,6 +89,7 @@ void CCatalogEditorDlg::OnBnClickedCancel()
     if (const auto catalog = GetCatalog(1))
     {
         const QString reference = catalog->GetReference();
+        m_undoStack->clear();
         DropTreeRows();
         CCatalogManager::Instance()->ReloadCatalog(reference);
     }
@@ -105,6 +109,9 @@ void CCatalogEditorDlg::reject()
 
 bool CCatalogEditorDlg::eventFilter(QObject* watched, QEvent* event)
 {
+    if (watched == m_filterEdit && event->type() == QEvent::KeyPress &&
+        HandleFilterKey(static_cast<QKeyEvent*>(event)))
+        return true;
     if (watched == m_drawingTree || watched == m_catalogTree)
     {
         const bool upper = watched == m_drawingTree;
@@ -183,11 +190,11 @@ void CCatalogEditorDlg::OnBnClickedBtnDel()
     }
     if (!ConfirmDelete())
         return;
-    const QString guid = item->GetGUID();
+    const auto entry = catalog->GetItembyGuid(item->GetGUID());
+    RunEdit(new Editor::DeleteCommand(catalog, {entry}));
     ForgetRows(row);
     if (m_currentItem == item)
         m_currentItem = nullptr;
-    catalog->DeleteItem(guid);
     delete row;
 }
 
@@ -203,8 +210,13 @@ void CCatalogEditorDlg::DeleteRootLevel(int which)
         return;
     if (const auto catalog = GetCatalog(which))
     {
+        Editor::CatalogTreeWidget* tree = which == 0 ? m_drawingTree : m_catalogTree;
+        std::vector<boost::shared_ptr<CCatalogItem>> entries;
+        for (const auto& [guid, element] : *catalog->GetRootElementsMap())
+            entries.push_back(element);
+        // Under a filter only what is shown goes.
+        RunEdit(new Editor::DeleteCommand(catalog, ShownEntries(tree->topLevelItem(0), entries)));
         m_currentItem = nullptr;
-        Editor::DeleteRootElements(*catalog);
         RefillTree(which);
     }
 }
@@ -215,8 +227,16 @@ void CCatalogEditorDlg::DeleteGroupContents(CCatalogItem* group, int which)
         return;
     if (const auto catalog = GetCatalog(which))
     {
+        Editor::CatalogTreeWidget* tree = which == 0 ? m_drawingTree : m_catalogTree;
+        QTreeWidgetItem* groupRow = tree->currentItem();
+        if (Editor::CatalogItemOfRow(groupRow) != group)
+            groupRow = nullptr;
+        std::vector<boost::shared_ptr<CCatalogItem>> entries;
+        for (const auto& [guid, sub] : *group->GetSubItems())
+            if (sub)
+                entries.push_back(catalog->GetItembyGuid(sub->GetGUID()));
+        RunEdit(new Editor::DeleteCommand(catalog, ShownEntries(groupRow, entries)));
         m_currentItem = nullptr;
-        Editor::DeleteSubItems(*catalog, *group);
         RefillTree(which);
     }
 }

@@ -13,6 +13,7 @@
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QMetaObject>
+#include <QUndoStack>
 
 using namespace ZEVGis;
 using namespace ZEVGis::Data;
@@ -24,7 +25,10 @@ Q_DECLARE_METATYPE(boost::shared_ptr<ZEVGis::Data::CCatalogItemTemplate>)
 CCatalogEditorDlg::CCatalogEditorDlg(QWidget* parent) : QDialog(parent)
 {
     CreateControls();
+    CreateFilterField();
+    CreateUndo();
     PlaceControls();
+    PlaceFilterField();
 }
 
 CCatalogEditorDlg::~CCatalogEditorDlg()
@@ -159,6 +163,8 @@ void CCatalogEditorDlg::OnCbnSelchangeComboCatalog()
     const Host::WaitCursor wait;
     ClearPicture();
     SaveCatalogShownBefore();
+    // The edits of the catalog shown before are saved: they can no longer be taken back.
+    m_undoStack->clear();
     m_templates.clear();
     m_grid.ClearGrid();
     m_currentItem = nullptr;

@@ -3,10 +3,13 @@
 // The grid control's inline accessors need the grid widget's full type.
 #include "controls/PropertyGridWidget.h"
 
+#include "catalog/DataBox.h"
 #include "controls/PropertyExGridCtrl.h"
 #include "editor/ButtonStates.h"
 #include "editor/CatalogTreeWidget.h"
+#include "editor/EditorViewState.h"
 #include "editor/TreeContextMenu.h"
+#include "editor/TreeRowFilter.h"
 
 #include <QDialog>
 #include <QString>
@@ -16,6 +19,8 @@
 
 class QAbstractButton;
 class QComboBox;
+class QLineEdit;
+class QUndoStack;
 class QTreeWidgetItem;
 class CPictureBox;
 class CResizeAnchors;
@@ -29,6 +34,11 @@ class CCatalogItemTemplate;
 class CCatalogMetadata;
 class CPropertyEx;
 } // namespace ZEVGis::Data
+
+namespace ZEVGis::Editor
+{
+class CatalogEditCommand;
+} // namespace ZEVGis::Editor
 
 // The catalog editor: a catalog of the registry chosen in a combo box, its drawing copy in the
 // upper tree and the catalog itself in the lower tree, the selected entry's properties in the
@@ -105,6 +115,13 @@ public:
     // The direction of the next "SORT", shared by every editor of the module.
     static bool NextSortAscending();
 
+    // Undo and redo of the edits made since the dialog opened or the catalog was switched.
+    QUndoStack* UndoStack() const { return m_undoStack; }
+    void OnUndo();
+    void OnRedo();
+    // The trees' name filter (the filter field's text).
+    void SetFilterText(const QString& text);
+
 public slots:
     void accept() override;
     void reject() override;
@@ -116,6 +133,27 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    // Undo and redo (CatalogEditorUndo.cpp)
+    void CreateUndo();
+    // Makes the edit through the undo stack; the command when it changed something, else
+    // null (then it is gone).
+    ZEVGis::Editor::CatalogEditCommand* RunEdit(ZEVGis::Editor::CatalogEditCommand* command);
+    ZEVGis::Editor::EditorViewState CaptureView() const;
+    void RestoreView(const ZEVGis::Editor::EditorViewState& view);
+    void ShowUndoneOrRedone(const ZEVGis::Editor::CatalogEditCommand& command,
+                            const ZEVGis::Editor::EditorViewState& view);
+    void ShowProperties(ZEVGis::Data::CCatalogItem* item, bool upper);
+    void RecordPropertyEdit(ZEVGis::Data::CPropertyEx* property);
+
+    // The trees' name filter (CatalogEditorFilter.cpp)
+    void CreateFilterField();
+    void PlaceFilterField();
+    bool HandleFilterKey(QKeyEvent* key);
+    // The entries of `entries` whose rows below `parentRow` the filter shows (all without one).
+    std::vector<boost::shared_ptr<ZEVGis::Data::CCatalogItem>>
+    ShownEntries(QTreeWidgetItem* parentRow,
+                 const std::vector<boost::shared_ptr<ZEVGis::Data::CCatalogItem>>& entries) const;
+
     // Layout (CatalogEditorLayout.cpp)
     void CreateControls();
     void ConnectControls();
@@ -167,8 +205,7 @@ private:
 
     // Order and drag and drop (CatalogEditorOrdering.cpp)
     void MoveSelected(bool down);
-    void CopyDroppedItem(ZEVGis::Data::CCatalog& catalog, ZEVGis::Data::CCatalogItem& source,
-                         QTreeWidgetItem* target);
+    void SetSortDirection(bool ascending);
     void RefillCatalogTreeKeepingExpansion();
 
     // Context menu and the copy to the application catalog (CatalogEditorMenu.cpp)
@@ -212,4 +249,18 @@ private:
     int m_activeTree = 0;
     ZEVGis::Data::CCatalogItem* m_currentItem = nullptr;
     int m_readOnly = 0;
+
+    QUndoStack* m_undoStack = nullptr;
+    // The values the grid shows, as they were before the grid writes an edit into them.
+    struct ShownProperties
+    {
+        ZEVGis::Data::CCatalogItem* item = nullptr;
+        bool upper = false;
+        QString name;
+        std::map<ZEVGis::Data::CPropertyEx*, ZEVGis::Data::CDataBox> values;
+    };
+    ShownProperties m_shownProperties;
+
+    QLineEdit* m_filterEdit = nullptr;
+    ZEVGis::Editor::TreeRowFilter m_rowFilter;
 };

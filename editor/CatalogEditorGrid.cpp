@@ -10,9 +10,10 @@
 #include "controls/PictureBox.h"
 #include "controls/PicturePreviewDlg.h"
 #include "editor/CatalogEditorIds.h"
-#include "editor/DefaultItemMarking.h"
+#include "editor/EditCommands.h"
 
 #include <QAbstractButton>
+#include <QScopeGuard>
 
 using namespace ZEVGis;
 using namespace ZEVGis::Data;
@@ -68,11 +69,13 @@ void CCatalogEditorDlg::ShowSelection(bool upper)
             ShowPicture(picture, mode);
     }
     m_currentItem = item;
-    m_grid.SetDataToShow(item->GetProperties(), 1, 0);
+    ShowProperties(item, upper);
 }
 
 void CCatalogEditorDlg::OnItemUpdated(CPropertyEx* property)
 {
+    // Recorded once the edit has had all its effects.
+    const auto record = qScopeGuard([this, property] { RecordPropertyEdit(property); });
     if (!property || property->GetTag() != QString::fromUtf16(CatalogItemNameTag))
         return;
     if (QTreeWidgetItem* row = m_catalogTree->currentItem())
@@ -110,10 +113,12 @@ void CCatalogEditorDlg::OnBnClickedBtnSetDefault()
     CCatalogItem* item = Editor::CatalogItemOfRow(row);
     if (!catalog || !item || item->IsGroup())
         return;
-    for (CCatalogItem* cleared : Editor::MarkDefaultItem(*catalog, *item))
+    if (const auto* command = static_cast<Editor::DefaultMarkCommand*>(
+            RunEdit(new Editor::DefaultMarkCommand(catalog, item))))
     {
-        if (auto* clearedRow = static_cast<Editor::CatalogTreeRowItem*>(RowOfItem(cleared)))
-            clearedRow->setImageIndex(Editor::ImageItem);
+        for (const auto& [marked, isDefault] : command->marks())
+            if (auto* markedRow = static_cast<Editor::CatalogTreeRowItem*>(RowOfItem(marked)))
+                markedRow->setImageIndex(isDefault ? Editor::ImageDefaultItem : Editor::ImageItem);
     }
     if (row->type() == Editor::CatalogTreeRowItem::RowType)
         static_cast<Editor::CatalogTreeRowItem*>(row)->setImageIndex(Editor::ImageDefaultItem);
@@ -145,14 +150,35 @@ void CCatalogEditorDlg::UpgradeCurrentItem()
     if (!metadata || !m_currentItem)
         return;
     const QString reference = metadata->GetCatalogReference();
-    CCatalogManager* manager = CCatalogManager::Instance();
-    manager->UpgradeCatalogItem(reference, m_currentItem);
-    if (manager->ExtendCatalogItem(reference, m_currentItem))
-        m_grid.SetDataToShow(m_currentItem->GetProperties(), 1, 0);
+    int extended = 0;
+    RunEdit(new Editor::UpgradeItemCommand(
+        GetCatalog(m_shownProperties.upper ? 0 : 1), m_currentItem,
+        [reference, &extended](CCatalogItem* item) {
+            CCatalogManager* manager = CCatalogManager::Instance();
+            manager->UpgradeCatalogItem(reference, item);
+            extended = manager->ExtendCatalogItem(reference, item);
+            return extended;
+        }));
+    if (extended)
+        ShowProperties(m_currentItem, m_shownProperties.upper);
 }
 
 void CCatalogEditorDlg::OnBnClickedBtnTest()
 {
     m_grid.SetReadOnly(m_readOnly);
     m_readOnly = !m_readOnly;
+}
+
+void CCatalogEditorDlg::RecordPropertyEdit(CPropertyEx* property)
+{
+    CCatalogItem* item = m_shownProperties.item;
+    const auto shown = m_shownProperties.values.find(property);
+    if (!property || !item || shown == m_shownProperties.values.end())
+        return;
+    const Editor::PropertyEditCommand::State before{shown->second, m_shownProperties.name};
+    const Editor::PropertyEditCommand::State after{property->GetValue(), item->GetName()};
+    shown->second = after.value;
+    m_shownProperties.name = after.name;
+    RunEdit(new Editor::PropertyEditCommand(GetCatalog(m_shownProperties.upper ? 0 : 1), item,
+                                            property, before, after));
 }

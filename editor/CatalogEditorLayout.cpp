@@ -12,6 +12,7 @@
 #include <QComboBox>
 #include <QFrame>
 #include <QGroupBox>
+#include <QLineEdit>
 #include <QLabel>
 #include <QPushButton>
 
@@ -157,7 +158,7 @@ void CCatalogEditorDlg::SetTabOrder()
     // Down the left column, then the grid and the closing buttons; the grid is made at
     // start-up and would otherwise come last of all.
     static constexpr int order[] = {
-        Ids::CatalogCombo, Ids::DrawingTree, Ids::BtnAddToApp, Ids::CatalogTree,
+        Ids::CatalogCombo, Ids::DrawingTree, Ids::BtnAddToApp, Ids::FilterEdit, Ids::CatalogTree,
         Ids::BtnAddGroup,  Ids::BtnNewItems, Ids::BtnDelete,   Ids::BtnUp,
         Ids::BtnDown,      Ids::BtnSetDefault, Ids::BtnSort,   Ids::BtnImport,
         Ids::BtnExport,    Ids::TemplateCombo, Ids::BtnNew,    Ids::BtnInfo,
@@ -201,6 +202,7 @@ void CCatalogEditorDlg::OnSplitterMoved(int delta)
     CSplitterControl::ChangeHeight(m_drawingTree, delta, CSplitterControl::BottomEdge);
     CSplitterControl::ChangeHeight(m_catalogTree, -delta, CSplitterControl::TopEdge);
     CSplitterControl::ChangePos(Button(Ids::BtnAddToApp), 0, delta);
+    CSplitterControl::ChangePos(m_filterEdit, 0, delta);
     m_splitterTop = m_splitter->y();
     update();
 }
@@ -245,7 +247,7 @@ void CCatalogEditorDlg::SetUpResizing()
         {{Ids::Grid}, 0.333, 0, 0.666, 1},
         {{Ids::DrawingTree}, 0, 0, 0.333, 0.5},
         {{Ids::CatalogTree}, 0, 0.5, 0.333, 1},
-        {{Ids::Splitter}, 0, 0.5, 0.333, 0.5},
+        {{Ids::Splitter, Ids::FilterEdit}, 0, 0.5, 0.333, 0.5},
         {{Ids::PictureBox}, 0.666, 0, 1, 1},
         {{Ids::CatalogCombo}, 0, 0, 0.333, 1},
         {{Ids::Ok, Ids::Cancel}, 1, 1, 1, 1},

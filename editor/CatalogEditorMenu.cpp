@@ -8,6 +8,7 @@
 #include "catalog/ModuleConfiguration.h"
 #include "editor/AddToApplication.h"
 #include "editor/CatalogEdits.h"
+#include "editor/EditCommands.h"
 #include "host/HostServices.h"
 
 #include <QMenu>
@@ -103,20 +104,24 @@ boost::shared_ptr<CCatalogItem> CCatalogEditorDlg::CopyGroup(CCatalogItem* sourc
     const auto catalog = GetCatalog(1);
     if (!source || !m_lowerRoot || !catalog)
         return {};
-    const Editor::GroupCopy copy = Editor::CopyGroup(*catalog, *source);
-    if (!copy.registered)
-        return copy.group;
-    auto* groupRow = new Editor::CatalogTreeRowItem(copy.group.get(), copy.group->GetName(),
+    const auto* command = static_cast<Editor::CopyGroupCommand*>(
+        RunEdit(new Editor::CopyGroupCommand(catalog, source)));
+    if (!command)
+        return {};
+    const auto group = command->made().front();
+    m_rowFilter.pin(group.get());
+    auto* groupRow = new Editor::CatalogTreeRowItem(group.get(), group->GetName(),
                                                     Editor::ImageGroup, &m_images);
     m_lowerRoot->addChild(groupRow);
-    for (const auto& child : copy.children)
+    for (const auto& child : command->children())
     {
+        m_rowFilter.pin(child.get());
         groupRow->addChild(new Editor::CatalogTreeRowItem(child.get(), child->GetName(),
                                                           Editor::ImageItem, &m_images));
         m_itemRows[child.get()] = groupRow->child(groupRow->childCount() - 1);
     }
     m_lowerRoot->setExpanded(true);
-    return copy.group;
+    return group;
 }
 
 void CCatalogEditorDlg::OnBnClickedBtnAddToApp()
@@ -126,7 +131,9 @@ void CCatalogEditorDlg::OnBnClickedBtnAddToApp()
     const auto source = GetCatalog(0);
     if (!row || !target || !source)
         return;
-    const auto result = Editor::AddToApplication(*source, *target, Editor::CatalogItemOfRow(row));
+    Editor::AddToApplicationResult result;
+    RunEdit(new Editor::AddToApplicationCommand(source, target, Editor::CatalogItemOfRow(row),
+                                                result));
     if (result.outcome != Editor::AddToApplicationResult::Added)
     {
         const unsigned message = result.outcome == Editor::AddToApplicationResult::GroupPresent

@@ -8,13 +8,11 @@
 #include "catalog/CatalogManager.h"
 #include "catalog/CatalogMetadata.h"
 #include "catalog/ModuleConfiguration.h"
-#include "catalog/Utility.h"
 #include "editor/CatalogEdits.h"
-#include "editor/UniqueChildName.h"
+#include "editor/EditCommands.h"
 #include "host/HostServices.h"
 #include "trace/FunctionTracer.h"
 
-#include <boost/make_shared.hpp>
 
 using namespace ZEVGis;
 using namespace ZEVGis::Data;
@@ -81,11 +79,13 @@ void CCatalogEditorDlg::NewItemFromTemplate()
         if (!group || !group->IsGroup() || !groupRow)
             return;
     }
-    const auto made = Editor::NewItemInGroup(*catalog, group, tmpl.get());
-    if (!made)
-        return;
-    CCatalogManager::Instance()->ExtendCatalogItem(catalog->GetReference(), made);
-    AddNewItemRow(groupRow, row, made);
+    const QString reference = catalog->GetReference();
+    const auto* command = static_cast<Editor::NewItemCommand*>(RunEdit(new Editor::NewItemCommand(
+        catalog, group, tmpl, [reference](const boost::shared_ptr<CCatalogItem>& made) {
+            CCatalogManager::Instance()->ExtendCatalogItem(reference, made);
+        })));
+    if (command)
+        AddNewItemRow(groupRow, row, command->made().front());
 }
 
 void CCatalogEditorDlg::AddNewItemRow(QTreeWidgetItem* parentRow, QTreeWidgetItem* expandRow,
@@ -95,6 +95,7 @@ void CCatalogEditorDlg::AddNewItemRow(QTreeWidgetItem* parentRow, QTreeWidgetIte
         new Editor::CatalogTreeRowItem(item.get(), item->GetName(), Editor::ImageItem, &m_images);
     parentRow->addChild(newRow);
     expandRow->setExpanded(true);
+    m_rowFilter.pin(item.get());
     m_catalogTree->setCurrentItem(newRow);
     m_catalogTree->scrollToItem(newRow);
     m_itemRows[item.get()] = newRow;
@@ -113,8 +114,10 @@ void CCatalogEditorDlg::OnBnClickedBtnNewFromItem()
     const auto catalog = GetCatalog(1);
     if (!group || !group->IsGroup() || !groupRow || !catalog)
         return;
-    if (const auto made = Editor::CopyItemIntoGroup(*catalog, *selected, group, tmpl.get()))
-        AddNewItemRow(groupRow, row, made);
+    const auto source = catalog->GetItembyGuid(selected->GetGUID());
+    if (const auto* command = static_cast<Editor::AddingCommand*>(
+            RunEdit(new Editor::NewFromItemCommand(catalog, source, group, tmpl))))
+        AddNewItemRow(groupRow, row, command->made().front());
 }
 
 // A new group inside the selected group, or at the root level; its label opens for a name.
@@ -140,25 +143,12 @@ void CCatalogEditorDlg::OnBnClickedBtnAddGroup()
         return;
     }
 
-    auto group = boost::make_shared<CCatalogItem>();
-    group->SetGUID(Utility::CUtility::CreateGUID());
-    group->SetIsGroup(1);
-    if (selected)
-    {
-        if (const auto parent = catalog->GetItembyGuid(selected->GetGUID()))
-        {
-            group->SetParentItem(parent);
-            parent->AddSubItem(group);
-        }
-    }
-    const auto factory = catalog->GetFactory();
-    QString base = factory ? factory->GetNewGroupName(depth, tmpl.get()) : QString();
-    if (base.isEmpty())
-        base = CModuleConfiguration::Instance()->GetMsg(MsgNewGroupName);
-    // Made unique among the root elements, also for a group that goes into a group.
-    group->SetName(Editor::UniqueChildName(catalog.get(), nullptr, &base));
-    if (!catalog->AddItem(group))
+    const auto* command = static_cast<Editor::AddingCommand*>(RunEdit(new Editor::NewGroupCommand(
+        catalog, selected, depth, tmpl, CModuleConfiguration::Instance()->GetMsg(MsgNewGroupName))));
+    if (!command)
         return;
+    const auto group = command->made().front();
+    m_rowFilter.pin(group.get());
     auto* newRow = new Editor::CatalogTreeRowItem(group.get(), group->GetName(), Editor::ImageGroup,
                                                   &m_images);
     row->addChild(newRow);

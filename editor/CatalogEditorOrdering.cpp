@@ -8,6 +8,7 @@
 #include "controls/ZEVBitmapButton.h"
 #include "editor/CatalogEditorIds.h"
 #include "editor/CatalogEdits.h"
+#include "editor/EditCommands.h"
 #include "editor/SiblingOrder.h"
 #include "host/HostServices.h"
 
@@ -52,7 +53,9 @@ void CCatalogEditorDlg::MoveSelected(bool down)
         return;
     Editor::ItemList siblings;
     parent->GetSortedSubItems(siblings);
-    Editor::SwapWithNeighbour(siblings, item->GetGUID(), down);
+    // Under a filter the neighbour is the next one shown.
+    RunEdit(new Editor::MoveCommand(GetCatalog(1), ShownEntries(parentRow, siblings),
+                                    item->GetGUID(), down));
     parentRow->sortChildren(0, Qt::AscendingOrder);
 }
 
@@ -81,10 +84,16 @@ void CCatalogEditorDlg::OnBnClickedBtnSort()
 
     if (sortRow)
     {
-        Editor::RenumberByName(siblings, g_sortAscending);
+        RunEdit(new Editor::SortCommand(GetCatalog(1), siblings, g_sortAscending));
         g_sortAscending = !g_sortAscending;
         sortRow->sortChildren(0, Qt::AscendingOrder);
     }
+    SetSortDirection(g_sortAscending);
+}
+
+void CCatalogEditorDlg::SetSortDirection(bool ascending)
+{
+    g_sortAscending = ascending;
     const QString icon =
         g_sortAscending ? QStringLiteral("IDI_SORT_ASC") : QStringLiteral("IDI_SORT_DESC");
     if (auto* button = qobject_cast<Utility::CZEVBitmapButton*>(Button(Ids::BtnSort)))
@@ -102,27 +111,15 @@ void CCatalogEditorDlg::OnItemDropped(QTreeWidgetItem* dragged, QTreeWidgetItem*
                                                : boost::shared_ptr<CCatalogItem>();
     if (source && target)
     {
-        if (Host::HostServices::current().isCtrlPressed())
-            CopyDroppedItem(*catalog, *source, target);
-        else if (CCatalogItem* targetItem = Editor::CatalogItemOfRow(target);
-                 targetItem && !source->IsGroup())
-            Editor::MoveIntoGroup(*catalog, *source, *targetItem);
+        const bool copy = Host::HostServices::current().isCtrlPressed();
+        if (const auto* command = static_cast<Editor::DropCommand*>(
+                RunEdit(new Editor::DropCommand(catalog, source, Editor::CatalogItemOfRow(target),
+                                                copy, SelectedTemplate()))))
+            for (const auto& made : command->made())
+                m_rowFilter.pin(made.get());
     }
     m_catalogTree->setCurrentItem(nullptr);
     RefillCatalogTreeKeepingExpansion();
-}
-
-// A copy of `source` into the target row's group (the group of an item dropped on).
-void CCatalogEditorDlg::CopyDroppedItem(CCatalog& catalog, CCatalogItem& source,
-                                        QTreeWidgetItem* target)
-{
-    CCatalogItem* targetItem = Editor::CatalogItemOfRow(target);
-    auto group = targetItem ? catalog.GetItembyGuid(targetItem->GetGUID())
-                            : boost::shared_ptr<CCatalogItem>();
-    if (group && !source.IsGroup() && !group->IsGroup())
-        group = group->GetParentItem();
-    if (group)
-        Editor::CopyItemIntoGroup(catalog, source, group, SelectedTemplate().get());
 }
 
 // Fills the catalog tree again with the rows that were open opened again.

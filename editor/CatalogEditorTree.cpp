@@ -7,6 +7,7 @@
 #include "catalog/ModuleConfiguration.h"
 #include "catalog/Utility.h"
 #include "editor/CatalogEditorIds.h"
+#include "editor/EditCommands.h"
 #include "host/HostServices.h"
 
 #include <QAbstractButton>
@@ -38,6 +39,7 @@ void CCatalogEditorDlg::FillTree(bool upper, CCatalog* catalog)
                    upper ? nullptr : &m_itemRows, m_catalogTree);
     if (!upper)
         m_lowerRoot = root;
+    m_rowFilter.apply(*tree);
 }
 
 void CCatalogEditorDlg::OnTreeSelChanged(bool upper)
@@ -126,8 +128,9 @@ void CCatalogEditorDlg::OnLabelEditEnded(bool upper, QTreeWidgetItem* row)
     }
     if (CCatalogItem* item = Editor::CatalogItemOfRow(row))
     {
-        item->SetName(text);
-        m_grid.SetDataToShow(item->GetProperties(), 1, 0);
+        RunEdit(new Editor::RenameCommand(GetCatalog(1), item, text));
+        m_rowFilter.pin(item);
+        ShowProperties(item, false);
     }
 }
 

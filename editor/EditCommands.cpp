@@ -108,6 +108,7 @@ void CopyGroupCommand::make(std::vector<ItemPtr>& made)
     const GroupCopy copy = CopyGroup(*m_catalog, *m_source);
     if (copy.registered)
         made.push_back(copy.group);
+    m_children = copy.children;
 }
 
 AddToApplicationCommand::AddToApplicationCommand(boost::shared_ptr<CCatalog> source,

@@ -92,17 +92,20 @@ private:
     QString m_fallbackName;
 };
 
-// Copy of a group with its direct children at the root level; made() starts with the group.
+// Copy of a group with its direct children at the root level; made() is the group.
 class CopyGroupCommand : public AddingCommand
 {
 public:
     CopyGroupCommand(boost::shared_ptr<Data::CCatalog> catalog, Data::CCatalogItem* source);
+    // The copied children the catalog took, in the order made.
+    const std::vector<ItemPtr>& children() const { return m_children; }
 
 protected:
     void make(std::vector<ItemPtr>& made) override;
 
 private:
     Data::CCatalogItem* m_source;
+    std::vector<ItemPtr> m_children;
 };
 
 // Entries of the drawing's copy into the catalog; `result` hears why nothing was copied.

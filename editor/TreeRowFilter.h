@@ -1,0 +1,55 @@
+#pragma once
+
+#include "editor/NameFilter.h"
+
+#include <QStyledItemDelegate>
+#include <unordered_set>
+
+class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace ZEVGis::Data
+{
+class CCatalogItem;
+} // namespace ZEVGis::Data
+
+namespace ZEVGis::Editor
+{
+
+// The name filter as the catalog trees apply it. Rows below a tree's root row are shown when
+// their name matches, when they are pinned (made or renamed since the filter last changed)
+// or when a row below them is shown; the root row always is.
+class TreeRowFilter
+{
+public:
+    const NameFilter& filter() const { return m_filter; }
+    // A new text; the pins go.
+    void setFilter(const NameFilter& filter);
+    // Keeps the item's row visible until the filter changes.
+    void pin(const Data::CCatalogItem* item);
+
+    // Hides and shows `tree`'s rows for the filter. Only rows whose parent is shown are
+    // touched: a hidden row hides everything below it. A current row that ends up hidden
+    // gives way to its nearest shown ancestor.
+    void apply(QTreeWidget& tree) const;
+    // `row`, or its nearest ancestor when `row` or one above it is hidden.
+    static QTreeWidgetItem* shownRowFor(QTreeWidgetItem* row);
+
+private:
+    NameFilter m_filter;
+    std::unordered_set<const Data::CCatalogItem*> m_pinned;
+};
+
+// Draws a tree's rows with the parts of their names that the filter matches marked.
+class FilterMarkDelegate : public QStyledItemDelegate
+{
+public:
+    FilterMarkDelegate(const TreeRowFilter* filter, QObject* parent);
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+
+private:
+    const TreeRowFilter* m_filter;
+};
+
+} // namespace ZEVGis::Editor
