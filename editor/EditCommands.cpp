@@ -453,4 +453,47 @@ void UpgradeItemCommand::undo()
     m_item->SetProperties(m_before);
 }
 
+// ---- Import ---------------------------------------------------------------------------
+
+ImportCommand::ImportCommand(boost::shared_ptr<CCatalog> catalog,
+                             const std::map<QString, ItemPtr>& before)
+    : CatalogEditCommand(std::move(catalog))
+{
+    const auto* after = m_catalog->GetAllElementsMap();
+    for (const auto& [guid, item] : *after)
+        if (const auto was = before.find(guid); item && (was == before.end() || was->second != item))
+            m_added.push_back(PlacementOf(*m_catalog, item));
+    for (const auto& [guid, item] : before)
+        if (const auto is = after->find(guid); item && (is == after->end() || is->second != item))
+            m_removed.push_back(item);
+}
+
+void ImportCommand::redo()
+{
+    if (!m_done)
+    {
+        m_done = true;
+        if (m_added.empty() && m_removed.empty())
+            setObsolete(true);
+        return;
+    }
+    for (const ItemPtr& item : m_removed)
+        m_catalog->DeleteItem(item);
+    for (const EntryPlacement& placement : m_added)
+        PutBack(*m_catalog, placement);
+}
+
+void ImportCommand::undo()
+{
+    // What came in goes first: an entry taken out may come back under the same GUID.
+    for (auto it = m_added.rbegin(); it != m_added.rend(); ++it)
+        TakeOut(*m_catalog, *it);
+    for (const ItemPtr& item : m_removed)
+    {
+        if (const ItemPtr parent = item->GetParentItem())
+            parent->AddSubItem(item);
+        m_catalog->AddItem(item);
+    }
+}
+
 } // namespace ZEVGis::Editor

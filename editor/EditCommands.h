@@ -6,6 +6,7 @@
 
 #include <QString>
 #include <functional>
+#include <map>
 #include <utility>
 
 namespace ZEVGis::Data
@@ -303,6 +304,23 @@ private:
     boost::shared_ptr<Data::CPropertiesEx> m_before;
     boost::shared_ptr<Data::CPropertiesEx> m_after;
     int m_extended = 0;
+    bool m_done = false;
+};
+
+// What the import/export dialog did to the catalog: the entries it added and those it took
+// out, found by comparing the catalog's entries with `before` (its entries when the dialog
+// opened). Made after the fact; the first redo changes nothing.
+class ImportCommand : public CatalogEditCommand
+{
+public:
+    ImportCommand(boost::shared_ptr<Data::CCatalog> catalog,
+                  const std::map<QString, ItemPtr>& before);
+    void redo() override;
+    void undo() override;
+
+private:
+    std::vector<EntryPlacement> m_added;
+    std::vector<ItemPtr> m_removed;
     bool m_done = false;
 };
 

@@ -9,6 +9,11 @@
 namespace ZEVGis::Editor
 {
 
+namespace
+{
+constexpr size_t MaxMatchesOpened = 500;
+} // namespace
+
 void TreeRowFilter::setFilter(const NameFilter& filter)
 {
     m_filter = filter;
@@ -44,9 +49,14 @@ void TreeRowFilter::apply(QTreeWidget& tree) const
         }
     }
     const bool all = m_filter.isEmpty();
+    std::vector<size_t> matches;
     const std::vector<char> shown = ShownRows(parents, [&](size_t i) {
-        return all || m_filter.matches(rows[i]->text(0)) ||
-               m_pinned.count(CatalogItemOfRow(rows[i])) != 0;
+        if (all)
+            return true;
+        const bool match = m_filter.matches(rows[i]->text(0));
+        if (match)
+            matches.push_back(i);
+        return match || m_pinned.count(CatalogItemOfRow(rows[i])) != 0;
     });
 
     const bool updates = tree.updatesEnabled();
@@ -58,6 +68,14 @@ void TreeRowFilter::apply(QTreeWidget& tree) const
         if (rows[i]->isHidden() == !shown[i])
             continue;
         rows[i]->setHidden(!shown[i]);
+    }
+    // A few matches are opened up to; for many the user types on.
+    if (!matches.empty() && matches.size() <= MaxMatchesOpened)
+    {
+        root->setExpanded(true);
+        for (size_t match : matches)
+            for (int up = parents[match]; up >= 0 && !rows[size_t(up)]->isExpanded(); up = parents[size_t(up)])
+                rows[size_t(up)]->setExpanded(true);
     }
     if (QTreeWidgetItem* current = tree.currentItem())
         if (QTreeWidgetItem* shownRow = shownRowFor(current); shownRow != current)

@@ -29,8 +29,9 @@ public:
     void pin(const Data::CCatalogItem* item);
 
     // Hides and shows `tree`'s rows for the filter. Only rows whose parent is shown are
-    // touched: a hidden row hides everything below it. A current row that ends up hidden
-    // gives way to its nearest shown ancestor.
+    // touched: a hidden row hides everything below it. When there are few matches, the rows
+    // above them are opened. A current row that ends up hidden gives way to its nearest
+    // shown ancestor.
     void apply(QTreeWidget& tree) const;
     // `row`, or its nearest ancestor when `row` or one above it is hidden.
     static QTreeWidgetItem* shownRowFor(QTreeWidgetItem* row);

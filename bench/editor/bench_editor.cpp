@@ -1,5 +1,6 @@
 // The editor on a catalog of 100,000 items with 10 properties each: opening the dialog until
-// both trees are filled and shown, and one selection until the grid shows the item.
+// both trees are filled and shown, one selection until the grid shows the item, one keystroke
+// in the trees' filter, and the undo of deleting a group of 10,000 entries.
 //
 //   bench_editor [--items=N] [google benchmark options]
 #include "bench/catalog/CatalogGenerator.h"
@@ -18,6 +19,7 @@
 #include <QTemporaryDir>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
+#include <QUndoStack>
 #include <benchmark/benchmark.h>
 #include <cstring>
 #include <memory>
@@ -33,16 +35,38 @@ int g_items = 100000;
 std::unique_ptr<QTemporaryDir> g_dir;
 std::unique_ptr<EditorTestStore> g_store;
 
+// Gathers the sub-groups of every top group under the first one, which then holds a tenth of
+// the catalog for each ten top groups.
+void gatherIntoFirstGroup(CCatalog& catalog)
+{
+    std::vector<boost::shared_ptr<CCatalogItem>> tops;
+    catalog.GetSortedRootElements(tops);
+    const int gathered = std::min<int>(int(tops.size()), 10);
+    for (int t = 1; t < gathered; ++t)
+    {
+        std::vector<boost::shared_ptr<CCatalogItem>> subs;
+        tops[size_t(t)]->GetSortedSubItems(subs);
+        for (const auto& sub : subs)
+        {
+            tops[size_t(t)]->RemoveSubItem(sub->GetGUID());
+            sub->SetParentItem(tops[0]);
+            tops[0]->AddSubItem(sub);
+        }
+    }
+}
+
 // "BENCH" keeps no drawing version (upper tree empty); "BENCHDWG" keeps one, so both trees
-// show 100,000 rows.
+// show 100,000 rows. "BENCHBIG" is "BENCH" with a first group of 10,000 entries.
 void writeStore()
 {
     g_dir = std::make_unique<QTemporaryDir>();
     g_store = std::make_unique<EditorTestStore>(g_dir->path());
-    for (const char* reference : {"BENCH", "BENCHDWG"})
+    for (const char* reference : {"BENCH", "BENCHDWG", "BENCHBIG"})
     {
         auto catalog = boost::make_shared<CCatalog>();
         ZevxBench::generateCatalog(*catalog, g_items);
+        if (std::strcmp(reference, "BENCHBIG") == 0)
+            gatherIntoFirstGroup(*catalog);
         EditorTestStore::Entry entry;
         entry.reference = QString::fromLatin1(reference);
         entry.nameUI = entry.reference;
@@ -155,8 +179,87 @@ void BM_SelectItem(benchmark::State& state)
     }
 }
 
+// One keystroke in the filter field until both trees (100,000 rows each) are filtered and
+// painted: typing a group's name (every item hidden), an item's number (a few shown), and
+// clearing the field. The slowest keystroke is reported too.
+void BM_FilterKeystroke(benchmark::State& state)
+{
+    g_store->reopen();
+    auto dlg = openEditor(QStringLiteral("BENCHDWG"));
+    static const char* const typed[] = {"g", "gr", "gru", "grup", "grupa", "", "#", "#4", "#47",
+                                        "#471", "#4711", "#471", "#47", "#4", "#", ""};
+    size_t next = 0;
+    double slowest = 0;
+    for (auto _ : state)
+    {
+        const QString text = QString::fromLatin1(typed[next++ % std::size(typed)]);
+        QElapsedTimer timer;
+        timer.start();
+        dlg->SetFilterText(text);
+        dlg->repaint();
+        QCoreApplication::processEvents();
+        const double seconds = double(timer.nsecsElapsed()) / 1e9;
+        slowest = std::max(slowest, seconds);
+        state.SetIterationTime(seconds);
+    }
+    state.counters["slowest_ms"] = slowest * 1000;
+    auto* tree = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    dlg->SetFilterText(QStringLiteral("#4711"));
+    int shown = 0;
+    for (QTreeWidgetItemIterator it(tree, QTreeWidgetItemIterator::NotHidden); *it; ++it)
+        ++shown;
+    if (g_items > 4711 && shown > 10)
+        state.SkipWithError("the filter shows rows that do not match");
+}
+
+// Undo of deleting a group with 10,000 entries below it, until the catalog tree shows it
+// again with its row selected.
+void BM_UndoDeleteGroup(benchmark::State& state)
+{
+    g_store->reopen();
+    auto dlg = openEditor(QStringLiteral("BENCHBIG"));
+    auto* tree = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    auto& host = static_cast<Host::ScriptedHost&>(Host::HostServices::current());
+    tree->setFocus();
+    QTreeWidgetItem* root = tree->topLevelItem(0);
+    QTreeWidgetItem* big = root->child(0);
+    for (int i = 1; i < root->childCount(); ++i)
+        if (root->child(i)->childCount() > big->childCount())
+            big = root->child(i);
+    const QString name = big->text(0);
+    tree->setCurrentItem(big);
+    int entries = 0;
+    for (QTreeWidgetItemIterator it(big); *it && (*it == big || (*it)->parent()); ++it)
+        if (*it != big)
+        {
+            QTreeWidgetItem* up = (*it)->parent();
+            while (up && up != big)
+                up = up->parent();
+            if (!up)
+                break;
+            ++entries;
+        }
+    state.counters["entries"] = entries;
+    for (auto _ : state)
+    {
+        host.queueAnswer(true);
+        dlg->OnBnClickedBtnDel();
+        QCoreApplication::processEvents();
+        QElapsedTimer timer;
+        timer.start();
+        dlg->OnUndo();
+        dlg->repaint();
+        QCoreApplication::processEvents();
+        state.SetIterationTime(double(timer.nsecsElapsed()) / 1e9);
+        if (!tree->currentItem() || tree->currentItem()->text(0) != name)
+            state.SkipWithError("the group is not back and selected");
+    }
+}
+
 } // namespace
 
+BENCHMARK(BM_FilterKeystroke)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(64);
+BENCHMARK(BM_UndoDeleteGroup)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
 BENCHMARK(BM_OpenEditor_CatalogOnDisk)->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_LoadCatalogOnly)->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_OpenEditor_CatalogLoaded)->Arg(0)->Arg(1)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(5);

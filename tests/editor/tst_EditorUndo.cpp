@@ -182,6 +182,32 @@ void TestEditorUndo::editUndoRedo_data()
     row("name property edit", [](Catalogs& c) {
         return propertyEdit(c, c.a, QString::fromUtf16(CatalogItemNameTag), "Renamed");
     });
+    row("import that adds, takes out and replaces entries", [](Catalogs& c) {
+        CCatalog& catalog = c.catalog.catalog();
+        const CCatalog::ItemMap before = *catalog.GetAllElementsMap();
+        catalog.DeleteItem(c.c);
+        catalog.DeleteItem(c.poles->GetGUID());
+        // The same GUID, another object (as a transfer from a file brings it).
+        auto replaced = catalog.GetFactory()->CreateItemFrom(c.b.get());
+        replaced->SetGUID(c.b->GetGUID());
+        replaced->SetName("B from the file");
+        catalog.DeleteItem(c.b);
+        replaced->SetParentItem(c.cables);
+        c.cables->AddSubItem(replaced);
+        catalog.AddItem(replaced);
+        auto group = boost::make_shared<CCatalogItem>();
+        group->SetGUID("{IMPORTED}");
+        group->SetIsGroup(1);
+        group->SetName("Imported");
+        catalog.AddItem(group);
+        auto item = boost::make_shared<CCatalogItem>();
+        item->SetGUID("{IMPORTED-1}");
+        item->SetName("Imported item");
+        item->SetParentItem(group);
+        group->AddSubItem(item);
+        catalog.AddItem(item);
+        return new ImportCommand(c.shared(), before);
+    });
     row("upgrade", [](Catalogs& c) {
         return new UpgradeItemCommand(c.shared(), c.d.get(), [](CCatalogItem* item) {
             auto category = boost::make_shared<CCategory>(QStringLiteral("Added"));
@@ -201,20 +227,14 @@ void TestEditorUndo::editUndoRedo()
     QUndoStack stack;
     const QString drawingBefore = c.drawing.catalog().GetXML();
     const QString before = c.xml();
-    // Property edits are written before the command exists: take the state from before them.
-    QUndoCommand* command = edit(c);
-    const bool writtenAlready = dynamic_cast<PropertyEditCommand*>(command) != nullptr;
-    stack.push(command);
+    // Property edits and imports are made before their command exists.
+    stack.push(edit(c));
     QCOMPARE(stack.count(), 1);
     const QString after = c.xml();
-    if (!writtenAlready)
-        QVERIFY(after != before);
+    QVERIFY(after != before);
 
     stack.undo();
-    if (!writtenAlready)
-        QCOMPARE(c.xml(), before);
-    else
-        QVERIFY(c.xml() != after);
+    QCOMPARE(c.xml(), before);
     stack.redo();
     QCOMPARE(c.xml(), after);
     // Twice over: the objects put back are those taken out.
@@ -249,6 +269,9 @@ void TestEditorUndo::editThatChangesNothingIsNotKept_data()
                                            g_result);
     });
     row("delete nothing", [](Catalogs& c) { return new DeleteCommand(c.shared(), {}); });
+    row("import that changed nothing", [](Catalogs& c) {
+        return new ImportCommand(c.shared(), *c.catalog.catalog().GetAllElementsMap());
+    });
     row("upgrade without a template", [](Catalogs& c) {
         return new UpgradeItemCommand(c.shared(), c.d.get(), [](CCatalogItem*) { return 0; });
     });
