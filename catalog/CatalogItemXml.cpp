@@ -18,11 +18,16 @@ boost::shared_ptr<CCatalogItem> CatalogItemFromXml(const QByteArray& utf8, QStri
     QString error;
     pugi::xml_document document;
     boost::shared_ptr<CCatalogItem> item;
-    if (CatalogXml::parseDocument(document, utf8.constData(), size_t(utf8.size()), false, error)) {
+    if (CatalogXml::parseDocument(document, utf8.constData(), size_t(utf8.size()), false, error))
+    {
         const pugi::xml_node node = document.document_element();
-        if (std::strcmp(node.name(), CatalogXml::Names::item) != 0) {
-            error = QStringLiteral("<%1> is not a catalog item").arg(QString::fromUtf8(node.name()));
-        } else {
+        if (std::strcmp(node.name(), CatalogXml::Names::item) != 0)
+        {
+            error =
+                QStringLiteral("<%1> is not a catalog item").arg(QString::fromUtf8(node.name()));
+        }
+        else
+        {
             CatalogXml::ItemReader reader;
             reader.setText(utf8.constData(), size_t(utf8.size()));
             item = reader.readItem(node, false);

@@ -30,14 +30,17 @@ QVariant text(const QString& value)
 
 QString upsertSql(int rows)
 {
-    QString sql = QStringLiteral("INSERT INTO items (catalog_ref, id, parent_id, name, is_group, ord, "
-                                 "content, revision, changed_at, changed_by) VALUES ");
+    QString sql =
+        QStringLiteral("INSERT INTO items (catalog_ref, id, parent_id, name, is_group, ord, "
+                       "content, revision, changed_at, changed_by) VALUES ");
     for (int i = 0; i < rows; ++i)
-        sql += i == 0 ? QStringLiteral("(?, ?, ?, ?, ?, ?, ?, 1, ?, ?)") : QStringLiteral(", (?, ?, ?, ?, ?, ?, ?, 1, ?, ?)");
-    sql += QStringLiteral(" ON CONFLICT (catalog_ref, id) DO UPDATE SET parent_id = excluded.parent_id, "
-                          "name = excluded.name, is_group = excluded.is_group, ord = excluded.ord, "
-                          "content = excluded.content, revision = items.revision + 1, "
-                          "changed_at = excluded.changed_at, changed_by = excluded.changed_by");
+        sql += i == 0 ? QStringLiteral("(?, ?, ?, ?, ?, ?, ?, 1, ?, ?)")
+                      : QStringLiteral(", (?, ?, ?, ?, ?, ?, ?, 1, ?, ?)");
+    sql += QStringLiteral(
+        " ON CONFLICT (catalog_ref, id) DO UPDATE SET parent_id = excluded.parent_id, "
+        "name = excluded.name, is_group = excluded.is_group, ord = excluded.ord, "
+        "content = excluded.content, revision = items.revision + 1, "
+        "changed_at = excluded.changed_at, changed_by = excluded.changed_by");
     return sql;
 }
 
@@ -55,14 +58,15 @@ std::vector<RecordRow> RecordsOf(CCatalogItem& item, bool withDescendants)
     };
     std::vector<Pending> pending{{&item, item.GetParentItemGuid(), 0}};
     std::vector<boost::shared_ptr<CCatalogItem>> subItems;
-    while (!pending.empty()) {
+    while (!pending.empty())
+    {
         const Pending next = pending.back();
         pending.pop_back();
         if (!seen.insert(next.item).second || next.item->GetGUID().isEmpty())
             continue;
         CCatalogItem& at = *next.item;
-        rows.push_back({at.GetGUID(), next.parentId, at.GetName(), at.IsGroup() ? 1 : 0, at.GetOrd(),
-                        QString::fromUtf8(ZEVGis::Data::CatalogItemToXml(at))});
+        rows.push_back({at.GetGUID(), next.parentId, at.GetName(), at.IsGroup() ? 1 : 0,
+                        at.GetOrd(), QString::fromUtf8(ZEVGis::Data::CatalogItemToXml(at))});
         if (!withDescendants || next.depth >= MaxDepth)
             continue;
         subItems.clear();
@@ -71,7 +75,8 @@ std::vector<RecordRow> RecordsOf(CCatalogItem& item, bool withDescendants)
             if (sub)
                 pending.push_back({sub.get(), at.GetGUID(), next.depth + 1});
     }
-    std::sort(rows.begin(), rows.end(), [](const RecordRow& a, const RecordRow& b) { return a.id < b.id; });
+    std::sort(rows.begin(), rows.end(),
+              [](const RecordRow& a, const RecordRow& b) { return a.id < b.id; });
     // One record per GUID: the same GUID twice in one INSERT is an error on PostgreSQL.
     rows.erase(std::unique(rows.begin(), rows.end(),
                            [](const RecordRow& a, const RecordRow& b) { return a.id == b.id; }),
@@ -85,20 +90,25 @@ bool WriteRecords(RepositoryStore& store, const QString& catalogReference,
     // The catalog's row first: every push to one catalog locks it, so two pushes of
     // overlapping trees wait for each other instead of deadlocking.
     const bool named = !catalogName.isEmpty();
-    if (!store.exec(named ? QStringLiteral("INSERT INTO catalogs (ref, display_name) VALUES (?, ?) "
-                                           "ON CONFLICT (ref) DO UPDATE SET display_name = excluded.display_name")
-                          : QStringLiteral("INSERT INTO catalogs (ref, display_name) VALUES (?, ?) "
-                                           "ON CONFLICT (ref) DO UPDATE SET display_name = catalogs.display_name"),
-                    {text(catalogReference), text(named ? catalogName : catalogReference)}))
+    if (!store.exec(
+            named ? QStringLiteral(
+                        "INSERT INTO catalogs (ref, display_name) VALUES (?, ?) "
+                        "ON CONFLICT (ref) DO UPDATE SET display_name = excluded.display_name")
+                  : QStringLiteral(
+                        "INSERT INTO catalogs (ref, display_name) VALUES (?, ?) "
+                        "ON CONFLICT (ref) DO UPDATE SET display_name = catalogs.display_name"),
+            {text(catalogReference), text(named ? catalogName : catalogReference)}))
         return false;
     const QString changedAt = QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs);
     const QString changedBy = store.changedBy();
     const int total = int(records.size());
     QVariantList values;
-    for (int start = 0; start < total; start += BatchRows) {
+    for (int start = 0; start < total; start += BatchRows)
+    {
         const int rows = std::min(BatchRows, total - start);
         values.clear();
-        for (int i = start; i < start + rows; ++i) {
+        for (int i = start; i < start + rows; ++i)
+        {
             const RecordRow& row = records[size_t(i)];
             values << text(catalogReference) << text(row.id) << text(row.parentId) << text(row.name)
                    << row.isGroup << row.ord << text(row.content) << changedAt << text(changedBy);
@@ -114,9 +124,10 @@ bool WriteRecords(RepositoryStore& store, const QString& catalogReference,
 bool ReadChildren(RepositoryStore& store, const QString& catalogReference, const QString& parentId,
                   std::vector<boost::shared_ptr<CNetCatalogueItem>>& out)
 {
-    QSqlQuery* query = store.exec(QStringLiteral("SELECT id, parent_id, name, is_group, ord FROM items "
-                                                 "WHERE catalog_ref = ? AND parent_id = ? ORDER BY ord"),
-                                  {text(catalogReference), text(parentId)});
+    QSqlQuery* query =
+        store.exec(QStringLiteral("SELECT id, parent_id, name, is_group, ord FROM items "
+                                  "WHERE catalog_ref = ? AND parent_id = ? ORDER BY ord"),
+                   {text(catalogReference), text(parentId)});
     if (!query)
         return false;
     struct Row
@@ -126,20 +137,24 @@ bool ReadChildren(RepositoryStore& store, const QString& catalogReference, const
     };
     std::vector<Row> rows;
     while (query->next())
-        rows.push_back({query->value(0).toString(), query->value(1).toString(), query->value(2).toString(),
-                        query->value(3).toInt(), query->value(4).toInt()});
+        rows.push_back({query->value(0).toString(), query->value(1).toString(),
+                        query->value(2).toString(), query->value(3).toInt(),
+                        query->value(4).toInt()});
     // Names compared here, not by the server: its collation differs between databases.
-    std::stable_sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) {
-        if (a.ord != b.ord)
-            return a.ord < b.ord;
-        const int byName = a.name.compare(b.name);
-        return byName != 0 ? byName < 0 : a.id < b.id;
-    });
+    std::stable_sort(rows.begin(), rows.end(),
+                     [](const Row& a, const Row& b)
+                     {
+                         if (a.ord != b.ord)
+                             return a.ord < b.ord;
+                         const int byName = a.name.compare(b.name);
+                         return byName != 0 ? byName < 0 : a.id < b.id;
+                     });
     out.clear();
     out.reserve(rows.size());
     for (const Row& row : rows)
-        out.push_back(boost::shared_ptr<CNetCatalogueItem>(new CNetCatalogueItem(
-            row.id.toStdWString(), row.parentId.toStdWString(), row.name.toStdWString(), row.isGroup, row.ord)));
+        out.push_back(boost::shared_ptr<CNetCatalogueItem>(
+            new CNetCatalogueItem(row.id.toStdWString(), row.parentId.toStdWString(),
+                                  row.name.toStdWString(), row.isGroup, row.ord)));
     return true;
 }
 
@@ -158,7 +173,8 @@ bool ReadItem(RepositoryStore& store, const QString& catalogReference, const QSt
     QString why;
     item = ZEVGis::Data::CatalogItemFromXml(query->value(1).toString().toUtf8(), &why);
     if (!item)
-        return store.refuse(QStringLiteral("the stored content is not a catalog item: %1").arg(why));
+        return store.refuse(
+            QStringLiteral("the stored content is not a catalog item: %1").arg(why));
     // The columns are what the tree shows: they win over the content.
     item->SetGUID(id);
     item->SetParentItemGuid(parentId);
@@ -169,16 +185,18 @@ bool DeleteRecord(RepositoryStore& store, const QString& catalogReference, const
 {
     // One statement: a child sent by another editor meanwhile cannot slip in between a
     // check and the delete.
-    QSqlQuery* deleted = store.exec(QStringLiteral("DELETE FROM items WHERE catalog_ref = ? AND id = ? "
-                                                   "AND NOT EXISTS (SELECT 1 FROM items AS child "
-                                                   "WHERE child.catalog_ref = ? AND child.parent_id = ?)"),
-                                    {text(catalogReference), text(id), text(catalogReference), text(id)});
+    QSqlQuery* deleted =
+        store.exec(QStringLiteral("DELETE FROM items WHERE catalog_ref = ? AND id = ? "
+                                  "AND NOT EXISTS (SELECT 1 FROM items AS child "
+                                  "WHERE child.catalog_ref = ? AND child.parent_id = ?)"),
+                   {text(catalogReference), text(id), text(catalogReference), text(id)});
     if (!deleted)
         return false;
     if (deleted->numRowsAffected() > 0)
         return true;
-    QSqlQuery* children = store.exec(QStringLiteral("SELECT COUNT(*) FROM items WHERE catalog_ref = ? AND parent_id = ?"),
-                                     {text(catalogReference), text(id)});
+    QSqlQuery* children = store.exec(
+        QStringLiteral("SELECT COUNT(*) FROM items WHERE catalog_ref = ? AND parent_id = ?"),
+        {text(catalogReference), text(id)});
     if (!children)
         return false;
     const int count = children->next() ? children->value(0).toInt() : 0;
@@ -191,8 +209,9 @@ bool ReadRevision(RepositoryStore& store, const QString& catalogReference, const
                   int& revision)
 {
     revision = 0;
-    QSqlQuery* query = store.exec(QStringLiteral("SELECT revision FROM items WHERE catalog_ref = ? AND id = ?"),
-                                  {text(catalogReference), text(id)});
+    QSqlQuery* query =
+        store.exec(QStringLiteral("SELECT revision FROM items WHERE catalog_ref = ? AND id = ?"),
+                   {text(catalogReference), text(id)});
     if (!query)
         return false;
     if (query->next())

@@ -25,7 +25,8 @@ const QList<QStringList>& migrationSteps()
     static const QList<QStringList> steps = {
         {
             QStringLiteral("CREATE TABLE schema_version (version INTEGER NOT NULL)"),
-            QStringLiteral("CREATE TABLE catalogs (ref TEXT PRIMARY KEY, display_name TEXT NOT NULL)"),
+            QStringLiteral(
+                "CREATE TABLE catalogs (ref TEXT PRIMARY KEY, display_name TEXT NOT NULL)"),
             QStringLiteral("CREATE TABLE items ("
                            "catalog_ref TEXT NOT NULL REFERENCES catalogs (ref), "
                            "id TEXT NOT NULL, "
@@ -54,7 +55,8 @@ int RepositoryStore::readSchemaVersion(QString& why)
         return 0;
     QSqlQuery query(m_db);
     ++m_statementsRun;
-    if (!query.exec(QStringLiteral("SELECT MAX(version) FROM schema_version"))) {
+    if (!query.exec(QStringLiteral("SELECT MAX(version) FROM schema_version")))
+    {
         noteFailure(query.lastError());
         why = QStringLiteral("reading the schema version: %1").arg(m_failureText);
         return -1;
@@ -64,9 +66,11 @@ int RepositoryStore::readSchemaVersion(QString& why)
 
 bool RepositoryStore::migrate(int from, QString& why)
 {
-    const QString creating = from == 0 ? QStringLiteral("creating the repository's tables")
-                                       : QStringLiteral("updating the repository's tables from version %1").arg(from);
-    const auto fail = [&] {
+    const QString creating =
+        from == 0 ? QStringLiteral("creating the repository's tables")
+                  : QStringLiteral("updating the repository's tables from version %1").arg(from);
+    const auto fail = [&]
+    {
         why = QStringLiteral("%1: %2").arg(creating, m_failureText);
         rollback();
         return false;
@@ -80,7 +84,8 @@ bool RepositoryStore::migrate(int from, QString& why)
     const int now = readSchemaVersion(why);
     if (now < 0)
         return fail();
-    if (now >= SchemaVersion) {
+    if (now >= SchemaVersion)
+    {
         rollback();
         return true;
     }
@@ -90,7 +95,8 @@ bool RepositoryStore::migrate(int from, QString& why)
     QSqlQuery setVersion(m_db);
     setVersion.prepare(QStringLiteral("INSERT INTO schema_version (version) VALUES (?)"));
     setVersion.addBindValue(SchemaVersion);
-    if (!execAll({QStringLiteral("DELETE FROM schema_version")}) || !setVersion.exec()) {
+    if (!execAll({QStringLiteral("DELETE FROM schema_version")}) || !setVersion.exec())
+    {
         if (setVersion.lastError().isValid())
             noteFailure(setVersion.lastError());
         return fail();
@@ -105,11 +111,14 @@ bool RepositoryStore::ensureSchema(QString& why)
     const int version = readSchemaVersion(why);
     if (version < 0)
         return false;
-    if (version > SchemaVersion) {
+    if (version > SchemaVersion)
+    {
         m_failure = FailureKind::Other;
-        why = QStringLiteral("the repository's schema version %1 is newer than this program knows (%2); "
-                             "it is left as it is")
-                  .arg(version).arg(SchemaVersion);
+        why = QStringLiteral(
+                  "the repository's schema version %1 is newer than this program knows (%2); "
+                  "it is left as it is")
+                  .arg(version)
+                  .arg(SchemaVersion);
         return false;
     }
     // Nothing is written when the tables are current: a read-only user gets this far.

@@ -27,8 +27,10 @@ int CRepositoryStorageManager::Configure(const QString& url)
     RepositoryUrl parsed;
     QString why;
     if (!ParseRepositoryUrl(url, parsed, why))
-        return fail(QStringLiteral("Repository %1: the URL cannot be used: %2").arg(m_displayUrl, why));
-    if (parsed.kind == RepositoryUrl::Kind::None) {
+        return fail(
+            QStringLiteral("Repository %1: the URL cannot be used: %2").arg(m_displayUrl, why));
+    if (parsed.kind == RepositoryUrl::Kind::None)
+    {
         // Chosen, not failed: nothing to report.
         m_lastError = QStringLiteral("Repository none: no repository is configured");
         return 0;
@@ -36,7 +38,8 @@ int CRepositoryStorageManager::Configure(const QString& url)
     m_store = std::make_unique<RepositoryStore>(parsed, m_displayUrl);
     m_store->progress = m_progress;
     m_initialized = m_store->open();
-    if (!m_initialized) {
+    if (!m_initialized)
+    {
         m_lastError = m_store->lastError();
         m_store.reset();
     }
@@ -107,7 +110,8 @@ int CRepositoryStorageManager::IsRepositoryAccessible()
     return m_store && m_store->accessible() ? 1 : 0;
 }
 
-bool CRepositoryStorageManager::call(const QString& what, bool write, const std::function<bool()>& work)
+bool CRepositoryStorageManager::call(const QString& what, bool write,
+                                     const std::function<bool()>& work)
 {
     if (!ready())
         return false;
@@ -118,29 +122,39 @@ bool CRepositoryStorageManager::call(const QString& what, bool write, const std:
     return false;
 }
 
-int CRepositoryStorageManager::GetChildCatalogItems(const QString& catalogReference, const QString& parentId,
-                                                    std::vector<boost::shared_ptr<CNetCatalogueItem>>& out, int)
+int CRepositoryStorageManager::GetChildCatalogItems(
+    const QString& catalogReference, const QString& parentId,
+    std::vector<boost::shared_ptr<CNetCatalogueItem>>& out, int)
 {
-    const QString what = parentId.isEmpty()
-        ? QStringLiteral("reading the top-level records of catalog %1").arg(catalogReference)
-        : QStringLiteral("reading the records under %1 in catalog %2").arg(parentId, catalogReference);
-    return call(what, false, [&] { return ReadChildren(*m_store, catalogReference, parentId, out); }) ? 1 : 0;
+    const QString what =
+        parentId.isEmpty()
+            ? QStringLiteral("reading the top-level records of catalog %1").arg(catalogReference)
+            : QStringLiteral("reading the records under %1 in catalog %2")
+                  .arg(parentId, catalogReference);
+    return call(what, false,
+                [&] { return ReadChildren(*m_store, catalogReference, parentId, out); })
+               ? 1
+               : 0;
 }
 
-boost::shared_ptr<CCatalogItem> CRepositoryStorageManager::GetCatalogItemById(const QString& catalogReference,
-                                                                              const QString& catalogueId, int)
+boost::shared_ptr<CCatalogItem>
+CRepositoryStorageManager::GetCatalogItemById(const QString& catalogReference,
+                                              const QString& catalogueId, int)
 {
     boost::shared_ptr<CCatalogItem> item;
-    const QString what = QStringLiteral("reading record %1 of catalog %2").arg(catalogueId, catalogReference);
+    const QString what =
+        QStringLiteral("reading record %1 of catalog %2").arg(catalogueId, catalogReference);
     if (!call(what, false, [&] { return ReadItem(*m_store, catalogReference, catalogueId, item); }))
         item.reset();
     return item;
 }
 
-int CRepositoryStorageManager::AddCatalogItem(const QString& catalogReference, const QString& catalogName,
+int CRepositoryStorageManager::AddCatalogItem(const QString& catalogReference,
+                                              const QString& catalogName,
                                               boost::shared_ptr<CCatalogItem> item, int flag)
 {
-    if (!item || item->GetGUID().isEmpty()) {
+    if (!item || item->GetGUID().isEmpty())
+    {
         if (ready())
             fail(QStringLiteral("Repository %1: sending to catalog %2 failed: the item has no GUID")
                      .arg(m_displayUrl, catalogReference));
@@ -151,20 +165,32 @@ int CRepositoryStorageManager::AddCatalogItem(const QString& catalogReference, c
     if (records.size() > 1)
         what += QStringLiteral(" with %1 descendant(s)").arg(records.size() - 1);
     what += QStringLiteral(" to catalog %1").arg(catalogReference);
-    return call(what, true, [&] { return WriteRecords(*m_store, catalogReference, catalogName, records); }) ? 1 : 0;
+    return call(what, true,
+                [&] { return WriteRecords(*m_store, catalogReference, catalogName, records); })
+               ? 1
+               : 0;
 }
 
-int CRepositoryStorageManager::DeleteCatalogItem(const QString& catalogReference, const QString& catalogueId)
+int CRepositoryStorageManager::DeleteCatalogItem(const QString& catalogReference,
+                                                 const QString& catalogueId)
 {
-    const QString what = QStringLiteral("deleting record %1 of catalog %2").arg(catalogueId, catalogReference);
-    return call(what, true, [&] { return DeleteRecord(*m_store, catalogReference, catalogueId); }) ? 1 : 0;
+    const QString what =
+        QStringLiteral("deleting record %1 of catalog %2").arg(catalogueId, catalogReference);
+    return call(what, true, [&] { return DeleteRecord(*m_store, catalogReference, catalogueId); })
+               ? 1
+               : 0;
 }
 
-int CRepositoryStorageManager::GetRevision(const QString& catalogReference, const QString& catalogueId)
+int CRepositoryStorageManager::GetRevision(const QString& catalogReference,
+                                           const QString& catalogueId)
 {
     int revision = 0;
-    const QString what = QStringLiteral("reading the revision of record %1 of catalog %2").arg(catalogueId, catalogReference);
-    return call(what, false, [&] { return ReadRevision(*m_store, catalogReference, catalogueId, revision); }) ? revision : 0;
+    const QString what = QStringLiteral("reading the revision of record %1 of catalog %2")
+                             .arg(catalogueId, catalogReference);
+    return call(what, false,
+                [&] { return ReadRevision(*m_store, catalogReference, catalogueId, revision); })
+               ? revision
+               : 0;
 }
 
 } // namespace Repository

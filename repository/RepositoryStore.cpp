@@ -36,7 +36,8 @@ QtMessageHandler previousHandler = nullptr;
 
 // Qt's PostgreSQL driver frees each prepared statement on the server when its query is
 // destroyed and warns when the server is gone; after a lost connection that is expected.
-void withoutFreeStatementWarnings(QtMsgType type, const QMessageLogContext& context, const QString& message)
+void withoutFreeStatementWarnings(QtMsgType type, const QMessageLogContext& context,
+                                  const QString& message)
 {
     if (type == QtWarningMsg && message.startsWith(QLatin1String("Unable to free statement")))
         return;
@@ -47,8 +48,10 @@ void withoutFreeStatementWarnings(QtMsgType type, const QMessageLogContext& cont
 void noticeToLog(void*, const char* message)
 {
     FunctionTracer tracer("RepositoryStore", __LINE__, "CRepositoryStorageManager", 4, false);
-    tracer.Log(3, QStringLiteral("Repository server: %1").arg(QString::fromUtf8(message).simplified())
-                      .toLocal8Bit().toStdString());
+    tracer.Log(3, QStringLiteral("Repository server: %1")
+                      .arg(QString::fromUtf8(message).simplified())
+                      .toLocal8Bit()
+                      .toStdString());
 }
 #endif
 
@@ -59,7 +62,8 @@ void sendNoticesToLog(const QSqlDatabase& db)
 #ifdef ZEVX_HAVE_LIBPQ
     const QVariant handle = db.driver()->handle();
     // The type is named after libpq's struct behind the PGconn typedef.
-    if (handle.isValid() && (qstrcmp(handle.typeName(), "PGconn*") == 0 || qstrcmp(handle.typeName(), "pg_conn*") == 0))
+    if (handle.isValid() &&
+        (qstrcmp(handle.typeName(), "PGconn*") == 0 || qstrcmp(handle.typeName(), "pg_conn*") == 0))
         if (PGconn* connection = *static_cast<PGconn* const*>(handle.constData()))
             PQsetNoticeProcessor(connection, noticeToLog, nullptr);
 #else
@@ -81,7 +85,8 @@ QString FoldedError(const QSqlError& error)
 {
     // The statement's text that PostgreSQL quotes ("LINE 1: CREATE ... ^") says nothing to
     // a user and would make the line long.
-    static const QRegularExpression quotedStatement(QStringLiteral("\\n?LINE \\d+:[^\\n]*\\n[ \\t]*\\^"));
+    static const QRegularExpression quotedStatement(
+        QStringLiteral("\\n?LINE \\d+:[^\\n]*\\n[ \\t]*\\^"));
     QString text = error.databaseText().remove(quotedStatement).simplified();
     if (text.endsWith(QLatin1String(" ()")))
         text.chop(3); // Qt's place for the SQLSTATE, empty when the connection broke
@@ -96,7 +101,8 @@ FailureKind ClassifyError(const QSqlError& error, bool postgres)
     const QString code = error.nativeErrorCode();
     if (error.type() == QSqlError::ConnectionError)
         return FailureKind::Connection;
-    if (postgres) {
+    if (postgres)
+    {
         // SQLSTATE; libpq gives none when the connection itself broke.
         if (code.isEmpty() || code.startsWith(u"08") || code.startsWith(u"57P"))
             return FailureKind::Connection;
@@ -106,7 +112,8 @@ FailureKind ClassifyError(const QSqlError& error, bool postgres)
             return FailureKind::Permission;
         return FailureKind::Other;
     }
-    switch (code.toInt() & 0xff) {
+    switch (code.toInt() & 0xff)
+    {
     case 5: // SQLITE_BUSY
     case 6: // SQLITE_LOCKED
         return FailureKind::Conflict;
@@ -150,14 +157,16 @@ bool RepositoryStore::connect(QString& why)
 {
     const bool postgres = isPostgres();
     const QString driver = postgres ? QStringLiteral("QPSQL") : QStringLiteral("QSQLITE");
-    if (!QSqlDatabase::isDriverAvailable(driver)) {
+    if (!QSqlDatabase::isDriverAvailable(driver))
+    {
         why = QStringLiteral("Qt's %1 database driver is not installed").arg(driver);
         return false;
     }
     if (!m_db.isValid())
         m_db = QSqlDatabase::addDatabase(driver, m_connectionName);
     QStringList options;
-    if (postgres) {
+    if (postgres)
+    {
         m_db.setHostName(m_url.host);
         m_db.setPort(m_url.port);
         m_db.setDatabaseName(m_url.database);
@@ -165,12 +174,16 @@ bool RepositoryStore::connect(QString& why)
         // No password given: libpq's password file, peer or trust authentication decide.
         m_db.setPassword(m_url.password);
         options << QStringLiteral("connect_timeout=%1")
-                       .arg(m_url.connectTimeout >= 0 ? m_url.connectTimeout : DefaultConnectTimeoutSeconds);
+                       .arg(m_url.connectTimeout >= 0 ? m_url.connectTimeout
+                                                      : DefaultConnectTimeoutSeconds);
         if (!m_url.sslmode.isEmpty())
             options << QStringLiteral("sslmode=") + m_url.sslmode;
-    } else {
+    }
+    else
+    {
         const QFileInfo file(m_url.path);
-        if (file.isDir()) {
+        if (file.isDir())
+        {
             why = QStringLiteral("%1 is a folder, not a database file").arg(m_url.path);
             return false;
         }
@@ -179,21 +192,24 @@ bool RepositoryStore::connect(QString& why)
         options << QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(SqliteBusyTimeoutMs);
     }
     m_db.setConnectOptions(options.join(u';'));
-    if (!m_db.open()) {
+    if (!m_db.open())
+    {
         why = FoldedError(m_db.lastError());
         return false;
     }
     if (postgres)
         sendNoticesToLog(m_db);
-    if (!postgres) {
+    if (!postgres)
+    {
         // WAL lets readers go on while another program writes; the pragma also proves the
         // file is a database at all. With WAL, synchronous=NORMAL syncs at checkpoints
         // instead of at every commit and still never leaves a broken file: a push of ten
         // thousand records no longer waits on the disk for each of its transactions.
         QSqlQuery pragma(m_db);
-        if (!pragma.exec(QStringLiteral("PRAGMA journal_mode=WAL"))
-            || !pragma.exec(QStringLiteral("PRAGMA synchronous=NORMAL"))
-            || !pragma.exec(QStringLiteral("PRAGMA foreign_keys=ON"))) {
+        if (!pragma.exec(QStringLiteral("PRAGMA journal_mode=WAL")) ||
+            !pragma.exec(QStringLiteral("PRAGMA synchronous=NORMAL")) ||
+            !pragma.exec(QStringLiteral("PRAGMA foreign_keys=ON")))
+        {
             why = FoldedError(pragma.lastError());
             return false;
         }
@@ -203,7 +219,8 @@ bool RepositoryStore::connect(QString& why)
 
 void RepositoryStore::close()
 {
-    if (!m_queries.empty() && (!m_accessible || !m_db.isOpen())) {
+    if (!m_queries.empty() && (!m_accessible || !m_db.isOpen()))
+    {
         previousHandler = qInstallMessageHandler(withoutFreeStatementWarnings);
         m_queries.clear();
         qInstallMessageHandler(previousHandler);
@@ -219,7 +236,8 @@ bool RepositoryStore::open()
     QString why;
     m_failure = FailureKind::Connection;
     m_accessible = connect(why) && ensureSchema(why);
-    if (!m_accessible) {
+    if (!m_accessible)
+    {
         m_failureText = why;
         report(QStringLiteral("connecting"));
         close();
@@ -249,7 +267,8 @@ bool RepositoryStore::refuse(const QString& why)
 void RepositoryStore::report(const QString& what)
 {
     m_reportedFailure = m_failure == FailureKind::None ? FailureKind::Other : m_failure;
-    m_lastError = QStringLiteral("Repository %1: %2 failed: %3").arg(m_displayUrl, what, m_failureText);
+    m_lastError =
+        QStringLiteral("Repository %1: %2 failed: %3").arg(m_displayUrl, what, m_failureText);
     ReportRepositoryFailure(m_lastError);
 }
 
@@ -257,10 +276,12 @@ QSqlQuery* RepositoryStore::exec(const QString& sql, const QVariantList& values)
 {
     ++m_statementsRun;
     auto found = m_queries.find(sql);
-    if (found == m_queries.end()) {
+    if (found == m_queries.end())
+    {
         auto query = std::make_unique<QSqlQuery>(m_db);
         query->setForwardOnly(true);
-        if (!query->prepare(sql)) {
+        if (!query->prepare(sql))
+        {
             noteFailure(query->lastError());
             return nullptr;
         }
@@ -269,7 +290,8 @@ QSqlQuery* RepositoryStore::exec(const QString& sql, const QVariantList& values)
     QSqlQuery* query = found->second.get();
     for (qsizetype i = 0; i < values.size(); ++i)
         query->bindValue(int(i), values[i]);
-    if (!query->exec()) {
+    if (!query->exec())
+    {
         noteFailure(query->lastError());
         return nullptr;
     }
@@ -278,10 +300,12 @@ QSqlQuery* RepositoryStore::exec(const QString& sql, const QVariantList& values)
 
 bool RepositoryStore::execAll(const QStringList& statements)
 {
-    for (const QString& sql : statements) {
+    for (const QString& sql : statements)
+    {
         QSqlQuery query(m_db);
         ++m_statementsRun;
-        if (!query.exec(sql)) {
+        if (!query.exec(sql))
+        {
             noteFailure(query.lastError());
             return false;
         }
@@ -323,29 +347,34 @@ bool RepositoryStore::run(const QString& what, bool write, const std::function<b
     if (!m_accessible && !reconnect())
         return false;
     bool reopened = false;
-    for (int attempt = 0;; ++attempt) {
+    for (int attempt = 0;; ++attempt)
+    {
         m_failure = FailureKind::None;
         m_failureText.clear();
         m_statementsRun = 0;
         const bool ok = write ? begin() && work() && commit() : work();
-        if (ok) {
+        if (ok)
+        {
             if (!write)
                 finishQueries();
             return true;
         }
         const bool atFirstStatement = m_statementsRun <= 1;
         rollback();
-        if (m_failure == FailureKind::Conflict && attempt < MaxConflictRetries) {
+        if (m_failure == FailureKind::Conflict && attempt < MaxConflictRetries)
+        {
             QThread::msleep(unsigned(10 << std::min(attempt, 5)));
             continue;
         }
-        if (m_failure == FailureKind::Connection) {
+        if (m_failure == FailureKind::Connection)
+        {
             // A connection that died while idle (a restarted server) fails at its first
             // statement, before anything was sent: open it again and start over once.
             const FailureKind failure = m_failure;
             const QString text = m_failureText;
             m_accessible = false;
-            if (atFirstStatement && !reopened) {
+            if (atFirstStatement && !reopened)
+            {
                 reopened = true;
                 if (reconnect())
                     continue;

@@ -16,7 +16,8 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments();
     QTextStream err(stderr);
-    if (args.size() != 6) {
+    if (args.size() != 6)
+    {
         err << "usage: repository_pusher URL REF FIRST COUNT ROUNDS\n";
         return 2;
     }
@@ -24,18 +25,22 @@ int main(int argc, char** argv)
     const int count = args[4].toInt();
     const int rounds = args[5].toInt();
     auto* repository = Repository::CRepositoryStorageManager::Instance();
-    if (!repository->Configure(args[1])) {
+    if (!repository->Configure(args[1]))
+    {
         err << repository->LastError() << '\n';
         return 1;
     }
     auto group = makeItem(QStringLiteral("G"), true);
-    for (int i = first; i < first + count; ++i) {
+    for (int i = first; i < first + count; ++i)
+    {
         auto sub = makeItem(QStringLiteral("S%1").arg(i), true, group, i);
         makeItem(QStringLiteral("S%1-a").arg(i), false, sub, 0);
         makeItem(QStringLiteral("S%1-b").arg(i), false, sub, 1);
     }
-    for (int round = 0; round < rounds; ++round) {
-        if (!repository->AddCatalogItem(args[2], QStringLiteral("Pushed"), group, 1)) {
+    for (int round = 0; round < rounds; ++round)
+    {
+        if (!repository->AddCatalogItem(args[2], QStringLiteral("Pushed"), group, 1))
+        {
             err << repository->LastError() << '\n';
             return 1;
         }

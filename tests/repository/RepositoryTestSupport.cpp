@@ -27,12 +27,16 @@ void stopSharedServer()
 
 PostgresServer* sharedServer(QString& why)
 {
-    if (!server && failure.isEmpty()) {
+    if (!server && failure.isEmpty())
+    {
         failure = PostgresServer::unavailableReason();
-        if (failure.isEmpty()) {
+        if (failure.isEmpty())
+        {
             server = std::make_unique<PostgresServer>();
-            if (!server->start()) {
-                failure = QStringLiteral("PostgreSQL test server did not start: %1").arg(server->error());
+            if (!server->start())
+            {
+                failure =
+                    QStringLiteral("PostgreSQL test server did not start: %1").arg(server->error());
                 server.reset();
             }
         }
@@ -41,7 +45,8 @@ PostgresServer* sharedServer(QString& why)
     return server.get();
 }
 
-QString freshRepository(const QString& backend, QTemporaryDir& folder, QString& why, QString* database)
+QString freshRepository(const QString& backend, QTemporaryDir& folder, QString& why,
+                        QString* database)
 {
     static int counter = 0;
     ++counter;
@@ -51,7 +56,9 @@ QString freshRepository(const QString& backend, QTemporaryDir& folder, QString& 
     if (!server)
         return QString();
     const QString name = QStringLiteral("repo%1").arg(counter);
-    if (!server->psql(QStringLiteral("CREATE DATABASE %1 OWNER %2").arg(name, PostgresServer::writer))) {
+    if (!server->psql(
+            QStringLiteral("CREATE DATABASE %1 OWNER %2").arg(name, PostgresServer::writer)))
+    {
         why = server->error();
         return QString();
     }
@@ -80,7 +87,8 @@ Item makeItem(const QString& name, bool group, const Item& parent, int ord)
     item->SetName(name);
     item->SetIsGroup(group);
     item->SetOrd(ord);
-    if (parent) {
+    if (parent)
+    {
         item->SetParentItem(parent);
         parent->AddSubItem(item);
     }
@@ -98,20 +106,27 @@ Item makeFullItem(const QString& name)
     item->SetTemplateName(QStringLiteral("Kabel <NN>"));
     item->SetParentItemGuid(QStringLiteral("{parent-not-sent}"));
     auto general = boost::make_shared<CCategory>(QStringLiteral("Općenito"));
-    general->AddPropertyEx(boost::make_shared<CPropertyEx>(QString::fromUtf16(CatalogItemNameTag), CDataBox::fromString(name)));
-    general->AddPropertyEx(boost::make_shared<CPropertyEx>(QStringLiteral("COUNT"), CDataBox::fromInt(-42)));
-    general->AddPropertyEx(boost::make_shared<CPropertyEx>(QStringLiteral("LENGTH"), CDataBox::fromDouble(0.1)));
-    general->AddPropertyEx(boost::make_shared<CPropertyEx>(QStringLiteral("EMPTY"), CDataBox::fromString(QString())));
+    general->AddPropertyEx(boost::make_shared<CPropertyEx>(QString::fromUtf16(CatalogItemNameTag),
+                                                           CDataBox::fromString(name)));
+    general->AddPropertyEx(
+        boost::make_shared<CPropertyEx>(QStringLiteral("COUNT"), CDataBox::fromInt(-42)));
+    general->AddPropertyEx(
+        boost::make_shared<CPropertyEx>(QStringLiteral("LENGTH"), CDataBox::fromDouble(0.1)));
+    general->AddPropertyEx(
+        boost::make_shared<CPropertyEx>(QStringLiteral("EMPTY"), CDataBox::fromString(QString())));
     auto details = boost::make_shared<CCategory>(QStringLiteral("Details & <more>"));
     auto flag = boost::make_shared<CPropertyEx>(QStringLiteral("BURIED"), CDataBox::fromBool(true));
     flag->SetReadOnly(1);
     flag->SetCaption(QStringLiteral("Ukopan?"));
     details->AddPropertyEx(flag);
-    auto choice = boost::make_shared<CPropertyEx>(QStringLiteral("VOLTAGE"), CDataBox(DataType::Choice, QStringLiteral("0,4 kV")));
-    choice->SetChoices({QStringLiteral("0,4 kV"), QStringLiteral("10 kV"), QStringLiteral("\"20\" & <35> kV")});
+    auto choice = boost::make_shared<CPropertyEx>(
+        QStringLiteral("VOLTAGE"), CDataBox(DataType::Choice, QStringLiteral("0,4 kV")));
+    choice->SetChoices(
+        {QStringLiteral("0,4 kV"), QStringLiteral("10 kV"), QStringLiteral("\"20\" & <35> kV")});
     choice->SetPictureRef(QStringLiteral("voltage.svg"));
     details->AddPropertyEx(choice);
-    auto lines = boost::make_shared<CPropertyEx>(QStringLiteral("NOTE"), CDataBox::fromString(QStringLiteral("line 1\nline 2\ttab")));
+    auto lines = boost::make_shared<CPropertyEx>(
+        QStringLiteral("NOTE"), CDataBox::fromString(QStringLiteral("line 1\nline 2\ttab")));
     details->AddPropertyEx(lines);
     auto properties = boost::make_shared<CPropertiesEx>();
     properties->AddCategory(general);
@@ -122,9 +137,8 @@ Item makeFullItem(const QString& name)
 
 QString differences(CCatalogItem& expected, CCatalogItem& actual)
 {
-    const auto differ = [](const char* what, const QString& a, const QString& b) {
-        return QStringLiteral("%1: expected \"%2\", got \"%3\"").arg(QLatin1String(what), a, b);
-    };
+    const auto differ = [](const char* what, const QString& a, const QString& b)
+    { return QStringLiteral("%1: expected \"%2\", got \"%3\"").arg(QLatin1String(what), a, b); };
     if (expected.GetGUID() != actual.GetGUID())
         return differ("GUID", expected.GetGUID(), actual.GetGUID());
     if (expected.GetName() != actual.GetName())
@@ -135,9 +149,13 @@ QString differences(CCatalogItem& expected, CCatalogItem& actual)
         return differ("picture", expected.GetPictureRef(), actual.GetPictureRef());
     if (expected.GetTemplateName() != actual.GetTemplateName())
         return differ("template", expected.GetTemplateName(), actual.GetTemplateName());
-    const auto numbers = [](CCatalogItem& item) {
+    const auto numbers = [](CCatalogItem& item)
+    {
         return QStringLiteral("msg %1 group %2 ord %3 default %4")
-            .arg(item.GetMsgName()).arg(item.IsGroup()).arg(item.GetOrd()).arg(item.GetIsDefault());
+            .arg(item.GetMsgName())
+            .arg(item.IsGroup())
+            .arg(item.GetOrd())
+            .arg(item.GetIsDefault());
     };
     if (numbers(expected) != numbers(actual))
         return differ("numbers", numbers(expected), numbers(actual));
@@ -145,20 +163,23 @@ QString differences(CCatalogItem& expected, CCatalogItem& actual)
     const auto& got = actual.GetProperties()->categories();
     if (want.size() != got.size())
         return differ("categories", QString::number(want.size()), QString::number(got.size()));
-    for (size_t c = 0; c < want.size(); ++c) {
+    for (size_t c = 0; c < want.size(); ++c)
+    {
         if (want[c]->GetName() != got[c]->GetName())
             return differ("category", want[c]->GetName(), got[c]->GetName());
         const auto& wantProperties = want[c]->GetPropertyExVector();
         const auto& gotProperties = got[c]->GetPropertyExVector();
         if (wantProperties.size() != gotProperties.size())
-            return differ("properties", QString::number(wantProperties.size()), QString::number(gotProperties.size()));
-        for (size_t p = 0; p < wantProperties.size(); ++p) {
+            return differ("properties", QString::number(wantProperties.size()),
+                          QString::number(gotProperties.size()));
+        for (size_t p = 0; p < wantProperties.size(); ++p)
+        {
             const CPropertyEx& a = *wantProperties[p];
             const CPropertyEx& b = *gotProperties[p];
-            if (a.GetTag() != b.GetTag() || a.GetValue().GetType() != b.GetValue().GetType()
-                || a.GetValue().ToString() != b.GetValue().ToString() || a.GetCaption() != b.GetCaption()
-                || a.GetPictureRef() != b.GetPictureRef() || a.IsReadOnly() != b.IsReadOnly()
-                || a.GetChoices() != b.GetChoices())
+            if (a.GetTag() != b.GetTag() || a.GetValue().GetType() != b.GetValue().GetType() ||
+                a.GetValue().ToString() != b.GetValue().ToString() ||
+                a.GetCaption() != b.GetCaption() || a.GetPictureRef() != b.GetPictureRef() ||
+                a.IsReadOnly() != b.IsReadOnly() || a.GetChoices() != b.GetChoices())
                 return differ("property", a.GetTag() + u'=' + a.GetValue().ToString(),
                               b.GetTag() + u'=' + b.GetValue().ToString());
         }
@@ -181,14 +202,17 @@ void walk(const QString& catalogReference, const QString& parentId, int depth, Q
 {
     Records children;
     auto* repository = Repository::CRepositoryStorageManager::Instance();
-    if (!repository->GetChildCatalogItems(catalogReference, parentId, children, 0)) {
+    if (!repository->GetChildCatalogItems(catalogReference, parentId, children, 0))
+    {
         lines << QStringLiteral("<failed: %1>").arg(repository->LastError());
         return;
     }
-    for (const auto& child : children) {
+    for (const auto& child : children)
+    {
         lines << QString(depth * 2, u' ') + QString::fromStdWString(child->GetName());
         if (child->GetIsGroup())
-            walk(catalogReference, QString::fromStdWString(child->GetCatalogueId()), depth + 1, lines);
+            walk(catalogReference, QString::fromStdWString(child->GetCatalogueId()), depth + 1,
+                 lines);
     }
 }
 

@@ -54,7 +54,8 @@ QStringList names(const Records& records);
     QTemporaryDir folder;                                                                          \
     QString setupWhy;                                                                              \
     const QString url = RepositoryTest::freshRepository(backend, folder, setupWhy);                \
-    if (url.isEmpty()) {                                                                           \
+    if (url.isEmpty())                                                                             \
+    {                                                                                              \
         if (backend == QLatin1String("postgresql"))                                                \
             QSKIP(qPrintable(setupWhy));                                                           \
         QFAIL(qPrintable(setupWhy));                                                               \

@@ -74,23 +74,27 @@ void TestRepository::roundTripKeepsEverything()
     const QStringList names = {QStringLiteral("Kabel <&\"'> ČĆŽŠĐ čćžšđ 日本 😀"),
                                QStringLiteral("x'); DROP TABLE items; --"),
                                QStringLiteral("  spaces around  "), QStringLiteral("%s %n \\ ?")};
-    for (const QString& name : names) {
+    for (const QString& name : names)
+    {
         Item item = makeFullItem(name);
         item->SetGUID(QStringLiteral("{%1}").arg(qHash(name)));
-        QVERIFY2(repository->AddCatalogItem(QStringLiteral("REF"), QStringLiteral("Kabeli"), item, 0),
-                 qPrintable(repository->LastError()));
+        QVERIFY2(
+            repository->AddCatalogItem(QStringLiteral("REF"), QStringLiteral("Kabeli"), item, 0),
+            qPrintable(repository->LastError()));
         Item back = repository->GetCatalogItemById(QStringLiteral("REF"), item->GetGUID(), 1);
         QVERIFY2(back, qPrintable(repository->LastError()));
         QCOMPARE(differences(*item, *back), QString());
     }
     // The names are records under the parent they named, the tables still there.
     Records records;
-    QVERIFY(repository->GetChildCatalogItems(QStringLiteral("REF"), QStringLiteral("{parent-not-sent}"), records, 0));
+    QVERIFY(repository->GetChildCatalogItems(QStringLiteral("REF"),
+                                             QStringLiteral("{parent-not-sent}"), records, 0));
     QStringList expected = names;
     QCOMPARE(RepositoryTest::names(records).size(), expected.size());
     for (const QString& name : expected)
         QVERIFY2(RepositoryTest::names(records).contains(name), qPrintable(name));
-    QCOMPARE(QString::fromStdWString(records.front()->GetParentId()), QStringLiteral("{parent-not-sent}"));
+    QCOMPARE(QString::fromStdWString(records.front()->GetParentId()),
+             QStringLiteral("{parent-not-sent}"));
     QVERIFY(!records.front()->GetIsGroup());
     QCOMPARE(records.front()->GetOrd(), -7);
     QVERIFY(repository->IsRepositoryAccessible());
@@ -139,7 +143,8 @@ void TestRepository::replacingBumpsTheRevision()
     QVERIFY(back);
     QCOMPARE(back->GetName(), QStringLiteral("C renamed"));
     QCOMPARE(back->GetOrd(), 5);
-    QCOMPARE(tree(QStringLiteral("REF")), QStringList({QStringLiteral("G"), QStringLiteral("  C renamed")}));
+    QCOMPARE(tree(QStringLiteral("REF")),
+             QStringList({QStringLiteral("G"), QStringLiteral("  C renamed")}));
 }
 
 void TestRepository::childrenComeInOrderThenName()
@@ -153,12 +158,15 @@ void TestRepository::childrenComeInOrderThenName()
     makeItem(QStringLiteral("B"), false, group, 2);
     QVERIFY(repository->AddCatalogItem(QStringLiteral("REF"), QString(), group, 1));
     Records records;
-    QVERIFY(repository->GetChildCatalogItems(QStringLiteral("REF"), QStringLiteral("{G}"), records, 0));
-    QCOMPARE(names(records), QStringList({QStringLiteral("c"), QStringLiteral("Z"), QStringLiteral("B"),
-                                          QStringLiteral("a"), QStringLiteral("b")}));
+    QVERIFY(
+        repository->GetChildCatalogItems(QStringLiteral("REF"), QStringLiteral("{G}"), records, 0));
+    QCOMPARE(names(records),
+             QStringList({QStringLiteral("c"), QStringLiteral("Z"), QStringLiteral("B"),
+                          QStringLiteral("a"), QStringLiteral("b")}));
     QCOMPARE(records[1]->GetOrd(), 1);
     QCOMPARE(QString::fromStdWString(records[1]->GetParentId()), QStringLiteral("{G}"));
-    QVERIFY(repository->GetChildCatalogItems(QStringLiteral("REF"), QStringLiteral("{none}"), records, 0));
+    QVERIFY(repository->GetChildCatalogItems(QStringLiteral("REF"), QStringLiteral("{none}"),
+                                             records, 0));
     QVERIFY(records.empty());
 }
 
@@ -171,13 +179,15 @@ void TestRepository::deleteRefusedWhileChildrenRemain()
     QVERIFY(repository->AddCatalogItem(QStringLiteral("REF"), QString(), group, 1));
 
     QCOMPARE(repository->DeleteCatalogItem(QStringLiteral("REF"), QStringLiteral("{G}")), 0);
-    QVERIFY2(repository->LastError().contains(u"child record"), qPrintable(repository->LastError()));
+    QVERIFY2(repository->LastError().contains(u"child record"),
+             qPrintable(repository->LastError()));
     QCOMPARE(repository->DeleteCatalogItem(QStringLiteral("REF"), QStringLiteral("{S}")), 0);
     QVERIFY(repository->IsRepositoryAccessible());
     QCOMPARE(tree(QStringLiteral("REF")).size(), 3);
 
     // Bottom-up, as the dialog deletes a group; a record asked for twice is still gone.
-    for (const char* id : {"{I}", "{S}", "{S}", "{G}", "{never-sent}"}) {
+    for (const char* id : {"{I}", "{S}", "{S}", "{G}", "{never-sent}"})
+    {
         QVERIFY2(repository->DeleteCatalogItem(QStringLiteral("REF"), QString::fromLatin1(id)), id);
         QCOMPARE(repository->LastError(), QString());
     }
@@ -198,7 +208,8 @@ void TestRepository::recordBeforeItsParent()
     QVERIFY(repository->AddCatalogItem(QStringLiteral("REF"), QString(), middle, 0));
     QVERIFY(repository->AddCatalogItem(QStringLiteral("REF"), QString(), top, 0));
     QCOMPARE(tree(QStringLiteral("REF")),
-             QStringList({QStringLiteral("Top"), QStringLiteral("  Middle"), QStringLiteral("    Leaf")}));
+             QStringList(
+                 {QStringLiteral("Top"), QStringLiteral("  Middle"), QStringLiteral("    Leaf")}));
 }
 
 void TestRepository::threeLevelWalkAndTwoCatalogs()
@@ -206,22 +217,25 @@ void TestRepository::threeLevelWalkAndTwoCatalogs()
     REPOSITORY_SETUP(folder);
     Item first = makeItem(QStringLiteral("A"), true, {}, 2);
     Item second = makeItem(QStringLiteral("B"), true, {}, 1);
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 3; ++i)
+    {
         Item group = makeItem(QStringLiteral("B%1").arg(i), true, second, 3 - i);
         for (int k = 0; k < 2; ++k)
             makeItem(QStringLiteral("B%1-%2").arg(i).arg(k), false, group, k);
     }
     QVERIFY(repository->AddCatalogItem(QStringLiteral("ONE"), QStringLiteral("One"), first, 1));
     QVERIFY(repository->AddCatalogItem(QStringLiteral("ONE"), QStringLiteral("One"), second, 1));
-    QCOMPARE(tree(QStringLiteral("ONE")).join(u'|'),
-             QStringLiteral("B|  B2|    B2-0|    B2-1|  B1|    B1-0|    B1-1|  B0|    B0-0|    B0-1|A"));
+    QCOMPARE(
+        tree(QStringLiteral("ONE")).join(u'|'),
+        QStringLiteral("B|  B2|    B2-0|    B2-1|  B1|    B1-0|    B1-1|  B0|    B0-0|    B0-1|A"));
 
     // The same GUID in another catalog is another record.
     first->SetName(QStringLiteral("A in two"));
     QVERIFY(repository->AddCatalogItem(QStringLiteral("TWO"), QStringLiteral("Two"), first, 1));
     QCOMPARE(tree(QStringLiteral("TWO")), QStringList({QStringLiteral("A in two")}));
-    QCOMPARE(repository->GetCatalogItemById(QStringLiteral("ONE"), QStringLiteral("{A}"), 1)->GetName(),
-             QStringLiteral("A"));
+    QCOMPARE(
+        repository->GetCatalogItemById(QStringLiteral("ONE"), QStringLiteral("{A}"), 1)->GetName(),
+        QStringLiteral("A"));
     QCOMPARE(repository->GetRevision(QStringLiteral("TWO"), QStringLiteral("{A}")), 1);
     QVERIFY(repository->DeleteCatalogItem(QStringLiteral("TWO"), QStringLiteral("{A}")));
     QVERIFY(repository->GetCatalogItemById(QStringLiteral("ONE"), QStringLiteral("{A}"), 1));
@@ -233,12 +247,13 @@ void TestRepository::defaultIsSqliteInTheDataFolder()
     auto* repository = CRepositoryStorageManager::Instance();
     repository->Reset();
     QVERIFY2(repository->IsInitialized(), qPrintable(repository->LastError()));
-    const QString file = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
-        + QStringLiteral("/zevxcatalogeditor/repository.sqlite");
+    const QString file = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                         QStringLiteral("/zevxcatalogeditor/repository.sqlite");
     QCOMPARE(repository->DisplayUrl(), QStringLiteral("sqlite:") + file);
     QVERIFY(QFile::exists(file));
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("probe"));
+        QSqlDatabase db =
+            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("probe"));
         db.setDatabaseName(file);
         QVERIFY(db.open());
         QSqlQuery query(db);
