@@ -9,9 +9,12 @@
 #include <QLoggingCategory>
 #include <QProcess>
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QStandardPaths>
 #include <QtTest>
+#include <future>
+#include <thread>
 
 using namespace RepositoryTest;
 using Repository::CRepositoryStorageManager;
@@ -92,6 +95,8 @@ private slots:
     void serverStoppedMidTransfer();
     void twoProcessesPushAtOnce_data() { addBackendRows(); }
     void twoProcessesPushAtOnce();
+    void deadlockIsRetried_data() { addPostgresRow(); }
+    void deadlockIsRetried();
 
 private:
     QTemporaryDir m_logFolder;
@@ -458,6 +463,58 @@ void TestRepositoryFailures::twoProcessesPushAtOnce()
     QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{G}")), 10);
     QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{S45-b}")), 10);
     QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{S0}")), 5);
+}
+
+void TestRepositoryFailures::deadlockIsRetried()
+{
+    REPOSITORY_SETUP(folder);
+    PostgresServer* server = sharedServer(setupWhy);
+    Item group = makeItem(QStringLiteral("G"), true);
+    makeItem(QStringLiteral("A"), false, group);
+    makeItem(QStringLiteral("B"), false, group);
+    QVERIFY(repository->AddCatalogItem(QStringLiteral("REF"), QString(), group, 1));
+
+    // Another editor holds {B} and, once the push holds {A} and waits for {B}, asks for {A}:
+    // the server breaks the deadlock by failing the push, which the client starts again.
+    const QString database = url.section(u'/', -1);
+    const qsizetype deadlocksBefore = server->log().count(u"deadlock detected");
+    std::promise<void> holdingB;
+    std::promise<QString> otherEnd;
+    std::thread other(
+        [&]
+        {
+            QString result;
+            {
+                QSqlDatabase db =
+                    QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("other"));
+                db.setHostName(server->socketDir());
+                db.setPort(server->port());
+                db.setDatabaseName(database);
+                db.setUserName(PostgresServer::writer);
+                db.setPassword(PostgresServer::writerPassword);
+                QSqlQuery query(db);
+                const QString touch =
+                    QStringLiteral("UPDATE items SET name = name WHERE id = '%1'");
+                const bool ok = db.open() && query.exec(QStringLiteral("BEGIN")) &&
+                                query.exec(touch.arg(QStringLiteral("{B}")));
+                holdingB.set_value();
+                std::this_thread::sleep_for(std::chrono::milliseconds(400));
+                if (!ok || !query.exec(touch.arg(QStringLiteral("{A}"))) ||
+                    !query.exec(QStringLiteral("COMMIT")))
+                    result = query.lastError().text();
+            }
+            QSqlDatabase::removeDatabase(QStringLiteral("other"));
+            otherEnd.set_value(result);
+        });
+    holdingB.get_future().wait();
+    const int pushed = repository->AddCatalogItem(QStringLiteral("REF"), QString(), group, 1);
+    other.join();
+    QCOMPARE(otherEnd.get_future().get(), QString());
+    QVERIFY2(pushed, qPrintable(repository->LastError()));
+    QVERIFY2(server->log().count(u"deadlock detected") > deadlocksBefore,
+             "no deadlock happened: the test lost its timing");
+    QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{A}")), 2);
+    QCOMPARE(tree(QStringLiteral("REF")).size(), 3);
 }
 
 QTEST_GUILESS_MAIN(TestRepositoryFailures)
