@@ -116,7 +116,7 @@ ptrdiff_t firstNonXmlCharacter(const char* text, char32_t& code)
     return -1;
 }
 
-// Every text of the document (attribute values, element text, comments) holds only
+// Every text of the document (attribute values and element text) holds only
 // characters XML 1.0 allows: what the reader takes in, the writer can put out again.
 bool checkCharacters(const pugi::xml_document& doc, const char* data, size_t size, QString& error)
 {
