@@ -1,7 +1,10 @@
 #include "repository/RepositoryStorageManager.h"
+
 #include "repository/RepositoryRecords.h"
 #include "repository/RepositoryStore.h"
 #include "repository/RepositoryUrl.h"
+
+#include <QCoreApplication>
 
 namespace Repository
 {
@@ -11,6 +14,13 @@ using ZEVGis::Data::CCatalogItem;
 CRepositoryStorageManager* CRepositoryStorageManager::Instance()
 {
     static CRepositoryStorageManager manager;
+    // A connection still open at the end goes with the application object, while QtSql
+    // still stands; after it, closing it crashes.
+    static const bool closedWithApplication = [] {
+        qAddPostRoutine([] { manager.Reset(); });
+        return true;
+    }();
+    Q_UNUSED(closedWithApplication);
     return &manager;
 }
 
