@@ -8,6 +8,7 @@
 #include "controls/ControlId.h"
 #include "controls/DialogUnits.h"
 #include "controls/ResizeAnchors.h"
+#include "host/HostServices.h"
 #include "impex/ImpexIds.h"
 #include "impex/ImpexTransfers.h"
 
@@ -337,6 +338,7 @@ void CDlgCatalogImpex::RedrawTrees()
 
 void CDlgCatalogImpex::FillCatalogTree(CClrTreeCtrl& tree, CCatalog* catalog)
 {
+    Host::WaitCursor wait;
     const bool left = &tree == m_treeLocal;
     auto& rows = left ? m_leftItemsByGuid : m_rightItemsByGuid;
     ForgetTree(tree);

@@ -118,9 +118,11 @@ private:
 
     // Repository mode (DlgCatalogImpexRepository.cpp)
     void SendToRepository(const FunctionTracer& tracer);
+    bool SendEntries(const FunctionTracer& tracer);
     void BringFromRepository();
     bool DeleteSelectedRecord(QTreeWidgetItem* row, const FunctionTracer& tracer);
-    void AddRepositoryRows(QTreeWidgetItem* parentRow, const QString& parentId, bool& stopped);
+    void AddRepositoryRows(ZEVGis::Impex::RepositoryAccess& repository, QTreeWidgetItem* parentRow,
+                           const QString& parentId, bool& stopped);
     bool RepositoryUsable() const;
 
     // Members in the order the dialog's data model lists them.

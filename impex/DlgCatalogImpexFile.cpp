@@ -8,10 +8,8 @@
 #include "catalog/SafeFileWrite.h"
 #include "host/HostServices.h"
 #include "impex/ImpexTransfers.h"
-#include "xml/XmlDocument.h"
 
 #include <QLineEdit>
-#include <boost/make_shared.hpp>
 
 using namespace ZEVGis;
 using ZEVGis::Data::CCatalog;
@@ -86,18 +84,13 @@ void CDlgCatalogImpex::OnBnClickedBtnBrowse()
 // catalog leaves the catalog as it was, and the user is told why.
 void CDlgCatalogImpex::LoadFileCatalog()
 {
-    CXmlDocument document;
-    if (!document.LoadFile(m_strPath))
-    {
-        Alert(Msg(MsgReadFailed).arg(m_strPath, document.GetResult()), this);
-        return;
-    }
+    QString why;
     // A fresh catalog: the rows the right tree shows until its next fill point into the old
     // one, which is kept until then.
-    auto parsed = boost::make_shared<CCatalog>();
-    if (!parsed->ParseXML(document.GetDocumentText()))
+    auto parsed = Impex::ReadCatalogFile(m_strPath, why);
+    if (!parsed)
     {
-        Alert(Msg(MsgReadFailed).arg(m_strPath, parsed->ParseError()), this);
+        Alert(Msg(MsgReadFailed).arg(m_strPath, why), this);
         return;
     }
     m_shownFileCatalog = m_fileCatalog;

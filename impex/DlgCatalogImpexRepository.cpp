@@ -6,6 +6,7 @@
 #include "catalog/CatalogItem.h"
 #include "catalog/ModuleConfiguration.h"
 #include "host/HostServices.h"
+#include "impex/ImpexProgress.h"
 #include "impex/ImpexTransfers.h"
 #include "trace/FunctionTracer.h"
 
@@ -15,6 +16,11 @@ using Repository::CNetCatalogueItem;
 
 namespace
 {
+
+constexpr unsigned MsgSending = 70250;
+constexpr unsigned MsgReading = 70251;
+constexpr unsigned MsgBringing = 70252;
+constexpr unsigned MsgDeleting = 70253;
 
 const CCatalogItem* ItemOfRow(const QTreeWidgetItem* row)
 {
@@ -61,20 +67,28 @@ void CDlgCatalogImpex::OnBnClickedBtnRemove()
 
 void CDlgCatalogImpex::SendToRepository(const FunctionTracer& tracer)
 {
-    if (!RepositoryUsable() || !m_localCatalog)
+    if (!RepositoryUsable() || !m_localCatalog || !SendEntries(tracer))
         return;
-    const Impex::RepositoryTarget target{*m_repository, m_strCatalogReference, m_strCatalogName};
-    for (QTreeWidgetItem* entry : EntriesOf(m_treeLocal->currentItem(), m_hLeftRoot))
-    {
-        const CCatalogItem* item = ItemOfRow(entry);
-        if (!item)
-            continue;
-        // A lost repository ends the handler where it is, without a reload.
-        if (!Impex::SendEntryToRepository(target, *m_localCatalog, *item, tracer))
-            return;
-    }
     ReloadNetworkRepoItems();
     RedrawTrees();
+}
+
+// The sends of "->" under their own progress window, closed before the reload shows its own.
+// False when the repository became unreachable: the handler ends there, without a reload.
+bool CDlgCatalogImpex::SendEntries(const FunctionTracer& tracer)
+{
+    const std::vector<QTreeWidgetItem*> entries = EntriesOf(m_treeLocal->currentItem(), m_hLeftRoot);
+    int sends = 0;
+    for (QTreeWidgetItem* entry : entries)
+        if (const CCatalogItem* item = ItemOfRow(entry))
+            sends += Impex::SendsFor(*item);
+    Impex::TransferProgress progress(*m_repository, this, MsgSending, sends);
+    const Impex::RepositoryTarget target{progress, m_strCatalogReference, m_strCatalogName};
+    for (QTreeWidgetItem* entry : entries)
+        if (const CCatalogItem* item = ItemOfRow(entry);
+            item && !Impex::SendEntryToRepository(target, *m_localCatalog, *item, tracer))
+            return false;
+    return true;
 }
 
 void CDlgCatalogImpex::BringFromRepository()
@@ -84,7 +98,8 @@ void CDlgCatalogImpex::BringFromRepository()
     QTreeWidgetItem* selected = m_treeTarget->currentItem();
     if (!selected)
         return;
-    const Impex::RepositoryTarget target{*m_repository, m_strCatalogReference, m_strCatalogName};
+    Impex::TransferProgress progress(*m_repository, this, MsgBringing, Impex::RowsIn(selected));
+    const Impex::RepositoryTarget target{progress, m_strCatalogReference, m_strCatalogName};
     for (QTreeWidgetItem* entry : EntriesOf(selected, m_hRightRoot))
         if (!Impex::BringRecordToLocal(target, *m_localCatalog, entry))
             break;
@@ -106,7 +121,8 @@ void CDlgCatalogImpex::OnBnClickedBtnDel()
         RedrawTrees();
         return;
     }
-    const Impex::RepositoryTarget target{*m_repository, m_strCatalogReference, m_strCatalogName};
+    Impex::TransferProgress progress(*m_repository, this, MsgDeleting, Impex::RowsIn(selected));
+    const Impex::RepositoryTarget target{progress, m_strCatalogReference, m_strCatalogName};
     const auto forget = [this](QTreeWidgetItem* row) { ForgetRows(row); };
     bool selectedGone = false;
     if (selected == m_hRightRoot)
@@ -114,7 +130,7 @@ void CDlgCatalogImpex::OnBnClickedBtnDel()
         for (QTreeWidgetItem* entry : CClrTreeCtrl::Children(m_hRightRoot))
         {
             Impex::DeleteCatalogItems(target, entry, forget);
-            if (!m_repository->IsRepositoryAccessible())
+            if (!progress.IsRepositoryAccessible())
                 return;
         }
     }
@@ -161,7 +177,10 @@ void CDlgCatalogImpex::ReloadNetworkRepoItems()
     m_hRightRoot = root;
     bool stopped = !RepositoryUsable();
     if (!stopped)
-        AddRepositoryRows(root, QString(), stopped);
+    {
+        Impex::TransferProgress progress(*m_repository, this, MsgReading);
+        AddRepositoryRows(progress, root, QString(), stopped);
+    }
     m_treeTarget->addTopLevelItem(root);
     if (stopped)
         return;
@@ -171,15 +190,16 @@ void CDlgCatalogImpex::ReloadNetworkRepoItems()
 
 // The records below `parentId` as rows under `parentRow`, groups descended into; `stopped`
 // turns true, and the fill ends where it is, once the repository is unreachable.
-void CDlgCatalogImpex::AddRepositoryRows(QTreeWidgetItem* parentRow, const QString& parentId,
+void CDlgCatalogImpex::AddRepositoryRows(Impex::RepositoryAccess& repository,
+                                         QTreeWidgetItem* parentRow, const QString& parentId,
                                          bool& stopped)
 {
     Impex::RepositoryAccess::Records records;
-    m_repository->GetChildCatalogItems(m_strCatalogReference, parentId, records);
+    repository.GetChildCatalogItems(m_strCatalogReference, parentId, records);
     const bool topLevel = parentId.isEmpty();
     for (const auto& record : records)
     {
-        if (!m_repository->IsRepositoryAccessible())
+        if (!repository.IsRepositoryAccessible())
         {
             stopped = true;
             return;
@@ -195,7 +215,7 @@ void CDlgCatalogImpex::AddRepositoryRows(QTreeWidgetItem* parentRow, const QStri
         const QString id = QString::fromStdWString(record->GetCatalogueId());
         m_rightItemsByGuid[id] = row;
         if (group)
-            AddRepositoryRows(row, id, stopped);
+            AddRepositoryRows(repository, row, id, stopped);
         if (stopped)
             return;
     }

@@ -32,8 +32,7 @@ public:
     virtual int DeleteCatalogItem(const QString& catalogReference, const QString& catalogueId) = 0;
 };
 
-// The module's repository client (Repository::CRepositoryStorageManager::Instance()); null
-// when this build has no repository client.
+// The module's repository client (Repository::CRepositoryStorageManager::Instance()).
 RepositoryAccess* ClientRepository();
 
 } // namespace ZEVGis::Impex

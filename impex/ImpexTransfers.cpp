@@ -4,10 +4,12 @@
 #include "catalog/CatalogItem.h"
 #include "controls/ClrTreeCtrl.h"
 #include "trace/FunctionTracer.h"
+#include "xml/XmlDocument.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QTreeWidgetItem>
+#include <boost/make_shared.hpp>
 
 namespace ZEVGis::Impex
 {
@@ -296,6 +298,23 @@ std::vector<FileCopy> CopyIntoCatalog(CCatalog& target, CCatalogItem& selected, 
     AddTopLevelCopy(target, *parent, copies);
     AddSubCopy(target, target.GetItembyGuid(parent->GetGUID()), selected, copies);
     return copies;
+}
+
+boost::shared_ptr<CCatalog> ReadCatalogFile(const QString& path, QString& why)
+{
+    CXmlDocument document;
+    if (!document.LoadFile(path))
+    {
+        why = document.GetResult();
+        return {};
+    }
+    auto catalog = boost::make_shared<CCatalog>();
+    if (!catalog->ParseXML(document.GetDocumentText()))
+    {
+        why = catalog->ParseError();
+        return {};
+    }
+    return catalog;
 }
 
 std::vector<QString> TakeBackGuids(CCatalogItem& item)

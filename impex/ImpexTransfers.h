@@ -103,6 +103,10 @@ struct FileCopy
 std::vector<FileCopy> CopyIntoCatalog(Data::CCatalog& target, Data::CCatalogItem& selected,
                                       bool hasTreeParent);
 
+// The catalog in the file at `path`, read and checked as the dialog reads an external file;
+// null with the reason in `why` when the file does not read or is not a catalog.
+boost::shared_ptr<Data::CCatalog> ReadCatalogFile(const QString& path, QString& why);
+
 // What a take-back removes, in order: the item's sorted sub-items, then the item.
 std::vector<QString> TakeBackGuids(Data::CCatalogItem& item);
 

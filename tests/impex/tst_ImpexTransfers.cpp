@@ -5,6 +5,7 @@
 #include "catalog/CatalogItem.h"
 #include "controls/ClrTreeCtrl.h"
 #include "impex/ImpexTransfers.h"
+#include "repository/RepositoryStorageManager.h"
 #include "tests/editor/CatalogBuilder.h"
 #include "tests/impex/RecordingRepository.h"
 #include "trace/FunctionTracer.h"
@@ -78,6 +79,16 @@ class TestImpexTransfers : public QObject
     Q_OBJECT
 
 private slots:
+    // Each test talks to a fresh SQLite repository.
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        auto* client = Repository::CRepositoryStorageManager::Instance();
+        QVERIFY2(client->Configure("sqlite:" + m_folder->filePath("repository.sqlite")),
+                 qPrintable(client->LastError()));
+    }
+    void cleanupTestCase() { Repository::CRepositoryStorageManager::Instance()->Configure("none"); }
+
     void colorRefIsRedInTheLowByte_data();
     void colorRefIsRedInTheLowByte();
     void xmlExtension_data();
@@ -95,6 +106,9 @@ private slots:
 
     void deleteOrder_data();
     void deleteOrder();
+
+private:
+    std::unique_ptr<QTemporaryDir> m_folder;
 };
 
 void TestImpexTransfers::colorRefIsRedInTheLowByte_data()
@@ -261,7 +275,7 @@ void TestImpexTransfers::sendWalk()
     QFETCH(bool, finished);
 
     const auto catalog = WalkCatalog();
-    RecordingRepository repository(nullptr);
+    RecordingRepository repository;
     repository.loseAfter(loseAfter);
     const Impex::RepositoryTarget target{repository, "WALK", "Walk"};
     FunctionTracer tracer("DlgCatalogImpex", 700, "CDlgCatalogImpex::OnBnClickedBtnAdd");
@@ -279,7 +293,7 @@ void TestImpexTransfers::sendWalkLogLines()
     FunctionTracerInternal::resetForTests();
     {
         const auto catalog = WalkCatalog();
-        RecordingRepository repository(nullptr);
+        RecordingRepository repository;
         repository.failOn("{T}");
         repository.failOn("{SG}");
         const Impex::RepositoryTarget target{repository, "WALK", "Walk"};
@@ -346,8 +360,11 @@ void TestImpexTransfers::deleteOrder()
     auto* sg = row("SG", "{G}", true, g);
     row("D", "{SG}", false, sg);
     row("I1", "{G}", false, g);
+    const auto catalog = WalkCatalog();
+    for (const char* id : {"{G}", "{SG}", "{D}", "{I1}"})
+        QVERIFY(Impex::ClientRepository()->AddCatalogItem("WALK", "Walk", catalog->GetItembyGuid(id), 0));
 
-    RecordingRepository repository(nullptr);
+    RecordingRepository repository;
     for (const QString& id : failing.split(',', Qt::SkipEmptyParts))
         repository.failOn(id);
     repository.loseAfter(loseAfter);
