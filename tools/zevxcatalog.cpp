@@ -3,6 +3,7 @@
 
 #include "catalog/CatalogManager.h"
 #include "tools/CatalogCommands.h"
+#include "tools/ImpexCommands.h"
 #ifdef ZEVX_WITH_REPOSITORY
 #include "tools/RepositoryCommands.h"
 #endif
@@ -23,6 +24,12 @@ const char Usage[] =
     "  show REF [--drawing] the tree of catalog REF ([G] group, [*] default item, order\n"
     "                       numbers, <template>); with --drawing the drawing's copy\n"
     "  validate FILE...     whether each file is well-formed XML and a catalog\n"
+    "  export REF FILE [GUID...]  writes the entries (default: every group, each with its\n"
+    "                       direct items) into a new catalog file (FILE gets \".xml\")\n"
+    "  import REF FILE [GUID...] [--dry-run]  brings the file's entries (default: every\n"
+    "                       group) into catalog REF, entries it holds staying as they are,\n"
+    "                       and saves it; --dry-run changes nothing and tells per entry\n"
+    "                       whether it would be added or is there, unchanged or not\n"
     "  repo list REF        the repository's tree of catalog REF\n"
     "  repo push REF [GUID...]  sends the entries (default: every top-level entry) with\n"
     "                       their descendants to the repository\n"
@@ -50,6 +57,7 @@ int main(int argc, char* argv[])
     QString drawing;
     QString repository;
     bool drawingCopy = false;
+    bool dryRun = false;
     QStringList words;
     const QStringList args = app.arguments().mid(1);
     for (int i = 0; i < args.size(); ++i) {
@@ -90,6 +98,10 @@ int main(int argc, char* argv[])
             }
             continue;
         }
+        if (arg == u"--dry-run") {
+            dryRun = true;
+            continue;
+        }
         if (arg.startsWith(u"--catalogs=")) {
             catalogs = arg.section(u'=', 1);
             continue;
@@ -115,6 +127,14 @@ int main(int argc, char* argv[])
         QStringLiteral("zevx.catalog.warning=false\nzevx.repository.warning=false"));
     ZEVGis::Data::CCatalogManager::Instance()->Configure(catalogs, drawing);
     const QString command = words.takeFirst();
+    if (dryRun && command != u"import") {
+        err << "zevxcatalog: --dry-run goes with import only\n\n" << Usage;
+        return 2;
+    }
+    if (command == u"export" && words.size() >= 2)
+        return ZevxTool::exportEntries(words[0], words[1], words.mid(2), out, err);
+    if (command == u"import" && words.size() >= 2)
+        return ZevxTool::importEntries(words[0], words[1], words.mid(2), dryRun, out, err);
 #ifdef ZEVX_WITH_REPOSITORY
     if (command == u"repo") {
         const QString why = ZevxTool::repositoryUsageError(words);
