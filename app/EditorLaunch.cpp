@@ -24,7 +24,18 @@ QPointer<QWindow>& hostWindow()
     return window;
 }
 
+StandaloneOptions& standaloneOptions()
+{
+    static StandaloneOptions options;
+    return options;
+}
+
 } // namespace
+
+void setStandaloneOptions(const StandaloneOptions& options)
+{
+    standaloneOptions() = options;
+}
 
 void setHostWindow(QWindow* window)
 {
@@ -39,6 +50,8 @@ void runEditorDialog(const QString& catalogReference, int showHiddenCatalogs)
         dialog.winId(); // creates the native window, so it can be given its owner
         dialog.windowHandle()->setTransientParent(owner);
     }
+    dialog.SetRememberPlacement(standaloneOptions().rememberPlacement);
+    dialog.SetInitialSelection(standaloneOptions().select);
     dialog.SetShowHiddenCatalogs(showHiddenCatalogs);
     dialog.SetCatalogReference(catalogReference);
     dialog.exec();

@@ -15,6 +15,16 @@ using DialogRunner = std::function<void(const QString& catalogReference, int sho
 // set (in this order), exec(); the dialog's result is of no interest to the caller.
 void runEditorDialog(const QString& catalogReference, int showHiddenCatalogs);
 
+// How the standalone program opens the editor; inside the host none of this applies.
+struct StandaloneOptions
+{
+    // The editor comes back where it was closed (size, place, splitter).
+    bool rememberPlacement = false;
+    // The catalog entry (GUID or name) selected when the editor opens; empty: none.
+    QString select;
+};
+void setStandaloneOptions(const StandaloneOptions& options);
+
 // The window the editor is modal to when there is no Qt parent (the host's main window
 // inside the host); null: none.
 void setHostWindow(QWindow* window);

@@ -38,6 +38,10 @@ struct Parser
                                   QStringLiteral("Render the editor to a PNG file and exit "
                                                  "(works without a display)."),
                                   QStringLiteral("FILE.png")};
+    QCommandLineOption select{QStringLiteral("select"),
+                              QStringLiteral("Select this entry of the catalog (its GUID, or "
+                                             "its name) when the editor opens."),
+                              QStringLiteral("GUID|NAME")};
     // Our own help option: the built-in one also offers the Qt options, which this program,
     // parsing before the application object exists, does not take.
     QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
@@ -51,7 +55,7 @@ struct Parser
             QStringLiteral("Catalog editor: browse and edit the catalogs of the catalog "
                            "registry."));
         parser.addOptions({help, version});
-        parser.addOptions({showHidden, catalogs, drawing, repository, language, screenshot});
+        parser.addOptions({showHidden, catalogs, drawing, repository, language, screenshot, select});
         parser.addPositionalArgument(QStringLiteral("REFERENCE"),
                                      QStringLiteral("Catalog to select first (ignoring case)."),
                                      QStringLiteral("[REFERENCE]"));
@@ -127,6 +131,7 @@ CommandLine parseCommandLine(const QStringList& arguments)
     options.repository = p.parser.value(p.repository);
     options.language = p.parser.value(p.language).toLower();
     options.screenshot = p.parser.value(p.screenshot);
+    options.select = p.parser.value(p.select);
 
     result.text = checkOptions(options);
     result.action = result.text.isEmpty() ? CommandLine::Action::Run : CommandLine::Action::Error;

@@ -16,6 +16,7 @@ struct ProgramOptions
     QString repository;     // empty: ZEVX_REPOSITORY or the default SQLite file
     QString language;       // "en", "hr" or empty (the locale decides)
     QString screenshot;     // PNG to write instead of running the editor interactively
+    QString select;         // GUID or name of the catalog entry to select at the start
 };
 
 struct CommandLine

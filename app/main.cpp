@@ -119,6 +119,11 @@ int main(int argc, char* argv[])
     Host::QtHostServices hostServices;
     Host::ScopedHostServices useHost(hostServices);
 
+    // A screenshot shows the editor as it first opens, whatever the user did before.
+    Launch::StandaloneOptions standalone;
+    standalone.rememberPlacement = options.screenshot.isEmpty();
+    standalone.select = options.select;
+    Launch::setStandaloneOptions(standalone);
     if (!options.screenshot.isEmpty())
         return takeScreenshot(options);
     Launch::runCatalogEditor(options.catalogReference, options.showHiddenCatalogs ? 1 : 0);

@@ -203,6 +203,12 @@ int CCatalogManager::UpgradeCatalogItem(const QString& reference, CCatalogItem* 
     return 1;
 }
 
+bool CCatalogManager::GetLoadError(const QString& reference, int which, QString& file,
+                                   QString& reason)
+{
+    return store().loadError(reference, which, file, reason);
+}
+
 QStringList CCatalogManager::TakeErrors()
 {
     return store().takeErrors();

@@ -55,6 +55,11 @@ public:
     // has. Non-zero when the item's template was found.
     int UpgradeCatalogItem(const QString& reference, CCatalogItem* item);
 
+    // Why the catalog (which 1) or its drawing copy (which 0) could not be loaded when last
+    // asked for: the file and the reason, which names the line and column where the file has
+    // one. False when it was loaded.
+    bool GetLoadError(const QString& reference, int which, QString& file, QString& reason);
+
     // Problems met since the last call (which file, what is wrong), oldest first.
     QStringList TakeErrors();
 

@@ -384,11 +384,15 @@ CatalogStore::Loaded CatalogStore::load(const QString& reference, const QString&
     QString why;
     if (!readFile(path, bytes, why)) {
         loaded.errors << QStringLiteral("Catalog %1: %2 cannot be read: %3").arg(reference, path, why);
+        loaded.file = path;
+        loaded.reason = why;
         return loaded;
     }
     if (!catalog->ParseXMLBytes(bytes)) {
         loaded.errors << QStringLiteral("Catalog %1: %2 is not a catalog file: %3")
                              .arg(reference, path, catalog->ParseError());
+        loaded.file = path;
+        loaded.reason = catalog->ParseError();
         return loaded;
     }
     if (catalog->GetReference().compare(reference, Qt::CaseInsensitive) != 0
@@ -401,11 +405,26 @@ CatalogStore::Loaded CatalogStore::load(const QString& reference, const QString&
     return loaded;
 }
 
-boost::shared_ptr<CCatalog> CatalogStore::take(Loaded loaded)
+boost::shared_ptr<CCatalog> CatalogStore::take(Loaded loaded, Failure& failure)
 {
     for (const QString& message : std::as_const(loaded.errors))
         error(message);
+    failure = Failure{loaded.file, loaded.reason};
     return loaded.catalog;
+}
+
+bool CatalogStore::loadError(const QString& reference, int which, QString& file, QString& reason)
+{
+    loadRegistry();
+    const Entry* entry = find(reference);
+    if (!entry)
+        return false;
+    const Failure& failure = which != 0 ? entry->catalogFailure : entry->drawingCopyFailure;
+    if (failure.reason.isEmpty())
+        return false;
+    file = failure.file;
+    reason = failure.reason;
+    return true;
 }
 
 boost::shared_ptr<CCatalog> CatalogStore::catalog(const QString& reference, int which)
@@ -422,7 +441,8 @@ boost::shared_ptr<CCatalog> CatalogStore::catalog(const QString& reference, int 
             entry->catalogTried = true;
             entry->catalog = take(entry->catalogAhead.valid()
                                       ? entry->catalogAhead.get()
-                                      : load(name, pictureFolder(), catalogPath(*entry->metadata), false));
+                                      : load(name, pictureFolder(), catalogPath(*entry->metadata), false),
+                                  entry->catalogFailure);
         }
         return entry->catalog;
     }
@@ -440,7 +460,8 @@ boost::shared_ptr<CCatalog> CatalogStore::catalog(const QString& reference, int 
                 // No thread to be had: the catalog is read when it is asked for.
             }
         }
-        entry->drawingCopy = take(load(name, pictureFolder(), drawingCopyPath(*entry->metadata), true));
+        entry->drawingCopy = take(load(name, pictureFolder(), drawingCopyPath(*entry->metadata), true),
+                                  entry->drawingCopyFailure);
     }
     return entry->drawingCopy;
 }

@@ -56,6 +56,10 @@ public:
     boost::shared_ptr<CCatalogItemTemplate> templateFor(const QString& reference,
                                                         const CCatalogItem& item);
 
+    // Why the catalog (which non-zero) or the drawing copy (0) was not loaded when last asked
+    // for: its file and the reason. False when it was loaded or not asked for yet.
+    bool loadError(const QString& reference, int which, QString& file, QString& reason);
+
     QStringList takeErrors();
     void error(const QString& message);
 
@@ -68,6 +72,16 @@ private:
     {
         boost::shared_ptr<CCatalog> catalog;
         QStringList errors;
+        // When no catalog: its file and why, for the user.
+        QString file;
+        QString reason;
+    };
+
+    // A load that failed, kept for the user until the next load.
+    struct Failure
+    {
+        QString file;
+        QString reason;
     };
 
     struct Entry
@@ -82,13 +96,15 @@ private:
         boost::shared_ptr<CCatalog> drawingCopy;
         bool catalogTried = false;
         bool drawingCopyTried = false;
+        Failure catalogFailure;
+        Failure drawingCopyFailure;
         // The catalog being read on another thread while the drawing copy is read here.
         std::future<Loaded> catalogAhead;
     };
 
     void loadRegistry();
     Entry* find(const QString& reference);
-    boost::shared_ptr<CCatalog> take(Loaded loaded);
+    boost::shared_ptr<CCatalog> take(Loaded loaded, Failure& failure);
     // Reads a catalog file; touches nothing of the store, so it may run on any thread.
     static Loaded load(const QString& reference, const QString& pictureFolder,
                        const QString& path, bool missingIsEmpty);

@@ -9,12 +9,18 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QStyle>
 #include <QToolBar>
 #include <QVBoxLayout>
 
 using ZEVGis::Data::CPropertyEx;
 using ZEVGis::Data::DataType;
+
+namespace
+{
+constexpr int FocusFrameWidth = 2;
+}
 
 // ---------------------------------------------------------------------------------------
 // PropertyGridView
@@ -115,6 +121,34 @@ void PropertyGridView::mousePressEvent(QMouseEvent* event)
     QTreeView::mousePressEvent(event);
 }
 
+// The frame is drawn in the highlight colour while the grid has the focus, as the trees
+// show theirs by the current row alone and a grid without one gave no sign of the keys.
+bool PropertyGridView::event(QEvent* event)
+{
+    const bool handled = QTreeView::event(event);
+    if (event->type() == QEvent::Paint && hasFocus())
+    {
+        QPainter painter(this);
+        painter.setPen(QPen(palette().color(QPalette::Highlight), FocusFrameWidth));
+        painter.setBrush(Qt::NoBrush);
+        const qreal inset = FocusFrameWidth / 2.0;
+        painter.drawRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset));
+    }
+    return handled;
+}
+
+void PropertyGridView::focusInEvent(QFocusEvent* event)
+{
+    QTreeView::focusInEvent(event);
+    update();
+}
+
+void PropertyGridView::focusOutEvent(QFocusEvent* event)
+{
+    QTreeView::focusOutEvent(event);
+    update();
+}
+
 void PropertyGridView::resizeEvent(QResizeEvent* event)
 {
     QTreeView::resizeEvent(event);
@@ -177,6 +211,10 @@ PropertyGridWidget::PropertyGridWidget(QWidget* parent) : QWidget(parent)
     layout->setSpacing(0);
     layout->addWidget(m_toolBar);
     layout->addWidget(m_view, 1);
+    // A compound control: Tab comes to the widget, which hands the focus to the tree, and
+    // goes on past its parts. Without a policy of its own the dialog cannot place it in its
+    // tab order, and Tab from the last control came back to the tree instead of going round.
+    setFocusPolicy(m_view->focusPolicy());
     setFocusProxy(m_view);
 
     connect(m_model, &PropertyGridModel::propertyChanged, this,

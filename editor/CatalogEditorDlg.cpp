@@ -1,6 +1,7 @@
 #include "editor/CatalogEditorDlg.h"
 
 #include "catalog/Catalog.h"
+#include "catalog/CatalogItem.h"
 #include "catalog/CatalogItemTemplate.h"
 #include "catalog/CatalogManager.h"
 #include "catalog/CatalogMetadata.h"
@@ -91,6 +92,7 @@ bool CCatalogEditorDlg::OnInitDialog()
     }
     CreateSplitter();
     SetUpResizing();
+    RestorePlacement();
     LoadIcons();
     LoadTexts();
     SetTabOrder();
@@ -98,7 +100,10 @@ bool CCatalogEditorDlg::OnInitDialog()
     FillCatalogCombo();
     if (m_catalogCombo->count() == 0)
     {
-        Host::HostServices::current().alert(QStringLiteral("Catalog error!"), this);
+        // The text is fixed; why the registry offers nothing is in the details.
+        Host::HostServices::current().alertWithDetails(
+            QStringLiteral("Catalog error!"),
+            CCatalogManager::Instance()->TakeErrors().join(QLatin1Char('\n')), this);
         m_initOk = false;
         return false;
     }
@@ -106,8 +111,34 @@ bool CCatalogEditorDlg::OnInitDialog()
     for (int id : {Ids::BtnAddGroup, Ids::BtnNew, Ids::BtnNewItems, Ids::BtnDelete, Ids::BtnUp,
                    Ids::BtnDown, Ids::BtnSort, Ids::BtnSetDefault})
         EnableButton(id, false);
+    SelectInitialEntry();
     m_initOk = true;
     return true;
+}
+
+void CCatalogEditorDlg::SetInitialSelection(const QString& guidOrName)
+{
+    m_initialSelection = guidOrName;
+}
+
+void CCatalogEditorDlg::SelectInitialEntry()
+{
+    const auto catalog = GetCatalog(1);
+    if (m_initialSelection.isEmpty() || !catalog)
+        return;
+    CCatalogItem* item = catalog->GetItembyGuid(m_initialSelection).get();
+    for (const auto& [guid, candidate] : *catalog->GetAllElementsMap())
+        if (!item && candidate->GetName() == m_initialSelection)
+            item = candidate.get();
+    QTreeWidgetItem* row = item ? RowOfItem(item) : nullptr;
+    if (!row)
+        return;
+    for (QTreeWidgetItem* up = row->parent(); up; up = up->parent())
+        up->setExpanded(true);
+    m_catalogTree->setFocus(Qt::OtherFocusReason);
+    m_catalogTree->setCurrentItem(row);
+    m_catalogTree->scrollToItem(row);
+    OnTreeFocus(false);
 }
 
 void CCatalogEditorDlg::FillCatalogCombo()
@@ -196,6 +227,7 @@ void CCatalogEditorDlg::OnCbnSelchangeComboCatalog()
     ApplyCatalogIcons(catalog.get(), *metadata);
     FillTree(true, drawingCatalog.get());
     FillTree(false, catalog.get());
+    ShowLoadNotice(*metadata);
 }
 
 void CCatalogEditorDlg::FillTemplateCombo(const QString& reference)

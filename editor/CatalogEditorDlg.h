@@ -19,6 +19,7 @@
 
 class QAbstractButton;
 class QComboBox;
+class QLabel;
 class QLineEdit;
 class QUndoStack;
 class QTreeWidgetItem;
@@ -60,6 +61,12 @@ public:
     void SetCatalogReference(const QString& reference);
     // 0: hidden catalogs are not offered; non-zero: offered, marked "*** HIDDEN ***".
     void SetShowHiddenCatalogs(int show);
+    // The standalone program's editor comes back with the size, place and splitter it was
+    // closed with; elsewhere it opens at its minimum size.
+    void SetRememberPlacement(bool remember);
+    // The entry of the catalog (GUID, else the first of that name) selected in the catalog
+    // tree at start-up, as if the user had clicked it; empty: none.
+    void SetInitialSelection(const QString& guidOrName);
 
     int exec() override;
     // Runs the start-up once. False when no catalog can be offered: the alert has been shown
@@ -125,6 +132,7 @@ public:
 public slots:
     void accept() override;
     void reject() override;
+    void done(int result) override;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -166,10 +174,21 @@ private:
     void OnSplitterMoved(int delta);
     void KeepSplitterRangeWithBar();
 
+    // The bar that says why a catalog was not loaded (CatalogEditorNotice.cpp)
+    void CreateLoadNotice();
+    void ShowLoadNotice(const ZEVGis::Data::CCatalogMetadata& metadata);
+    void PlaceLoadNotice();
+
+    // Placement between runs (CatalogEditorPlacement.cpp)
+    void RestorePlacement();
+    void SavePlacement();
+    void MoveSplitterBy(int delta);
+
     // Start-up and catalog choice (CatalogEditorDlg.cpp)
     void FillCatalogCombo();
     void SaveCatalogShownBefore();
     void FillTemplateCombo(const QString& reference);
+    void SelectInitialEntry();
     void ApplyCatalogIcons(ZEVGis::Data::CCatalog* catalog,
                            const ZEVGis::Data::CCatalogMetadata& metadata);
 
@@ -219,6 +238,8 @@ private:
 
     QString m_catalogReference;
     int m_showHiddenCatalogs = 0;
+    bool m_rememberPlacement = false;
+    QString m_initialSelection;
     bool m_initDone = false;
     bool m_initOk = false;
 
@@ -234,6 +255,8 @@ private:
     ZEVGis::Editor::TreeImageList m_images;
 
     QComboBox* m_catalogCombo = nullptr;
+    QLabel* m_loadNotice = nullptr;
+    int m_loadNoticeShift = 0; // how far the bar pushed the upper tree down
     QComboBox* m_templateCombo = nullptr;
     ZEVGis::Editor::CatalogTreeWidget* m_drawingTree = nullptr; // 103
     ZEVGis::Editor::CatalogTreeWidget* m_catalogTree = nullptr; // 114

@@ -31,6 +31,7 @@ enum : int
     BtnExport = 122,
     BtnSetDefault = 123,
     Separator = 124,
+    LoadNotice = 125,        // not in the template: why a catalog was not loaded
     Grid = 1000,
     FilterEdit = 1300        // not in the template: the trees' name filter
 };

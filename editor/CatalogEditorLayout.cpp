@@ -6,12 +6,14 @@
 #include "controls/PictureBox.h"
 #include "controls/ResizeAnchors.h"
 #include "controls/SplitterControl.h"
+#include "controls/TabOrder.h"
 #include "controls/ZEVBitmapButton.h"
 #include "editor/CatalogEditorIds.h"
 
 #include <QComboBox>
 #include <QFrame>
 #include <QGroupBox>
+#include <QKeySequence>
 #include <QLineEdit>
 #include <QLabel>
 #include <QPushButton>
@@ -68,22 +70,34 @@ struct BitmapButtonEntry
     int id;
     const char* text;
     const char* icon;
-    unsigned toolTip; // message number, 0 for none
+    unsigned toolTip; // message number
+    int key;          // the trees' key that does the same, 0 for none
 };
 
 constexpr BitmapButtonEntry BitmapButtons[] = {
-    {Ids::BtnAddGroup, "AG", "IDI_NEW_GROUP", 4880},
-    {Ids::BtnNewItems, "NEW", "IDI_DOCS_PLAIN_NEW", 6537},
-    {Ids::BtnDelete, "DEL", "IDI_DELETE", 214},
-    {Ids::BtnUp, "Up", "IDI_PICKER_UP", 0},
-    {Ids::BtnDown, "Down", "IDI_PICKER_DOWN", 0},
-    {Ids::BtnSetDefault, "*", "IDI_STAR", 8803},
-    {Ids::BtnSort, "SORT", "IDI_SORT_ASC", 0},
-    {Ids::BtnImport, "IMP", "IDI_FILE_TO_CATALOG", 8530},
-    {Ids::BtnExport, "EXP", "IDI_CATALOG_TO_FILE", 8531},
-    {Ids::BtnNew, "NEW", "IDI_DOC_PLAIN_NEW", 6535},
-    {Ids::BtnInfo, "Info", "IDI_INFO", 0},
+    {Ids::BtnAddGroup, "AG", "IDI_NEW_GROUP", 4880, 0},
+    {Ids::BtnNewItems, "NEW", "IDI_DOCS_PLAIN_NEW", 6537, 0},
+    {Ids::BtnDelete, "DEL", "IDI_DELETE", 214, Qt::Key_Delete},
+    {Ids::BtnUp, "Up", "IDI_PICKER_UP", 70050, 0},
+    {Ids::BtnDown, "Down", "IDI_PICKER_DOWN", 70051, 0},
+    {Ids::BtnSetDefault, "*", "IDI_STAR", 8803, 0},
+    {Ids::BtnSort, "SORT", "IDI_SORT_ASC", 70052, 0},
+    {Ids::BtnImport, "IMP", "IDI_FILE_TO_CATALOG", 8530, 0},
+    {Ids::BtnExport, "EXP", "IDI_CATALOG_TO_FILE", 8531, 0},
+    {Ids::BtnNew, "NEW", "IDI_DOC_PLAIN_NEW", 6535, Qt::Key_Insert},
+    {Ids::BtnInfo, "Info", "IDI_INFO", 70053, 0},
 };
+
+// "Delete the selected entry (Del)": a button's tip names the key that does the same.
+QString ToolTipText(const BitmapButtonEntry& entry)
+{
+    const CModuleConfiguration* configuration = CModuleConfiguration::Instance();
+    const QString text = configuration->GetMsg(entry.toolTip);
+    if (!entry.key)
+        return text;
+    return configuration->GetMsg(70054).arg(
+        text, QKeySequence(entry.key).toString(QKeySequence::NativeText));
+}
 
 // The trees' image list, by index.
 constexpr const char* TreeIconNames[Editor::TreeImageCount] = {
@@ -134,6 +148,7 @@ void CCatalogEditorDlg::CreateControls()
     m_buttons[Ids::Cancel] =
         Identified(new QPushButton(QStringLiteral("Cancel"), this), Ids::Cancel);
 
+    CreateLoadNotice();
     m_drawingTree->setImageList(&m_images);
     m_catalogTree->setImageList(&m_images);
     ConnectControls();
@@ -157,26 +172,17 @@ void CCatalogEditorDlg::SetTabOrder()
 {
     // Down the left column, then the grid and the closing buttons; the grid is made at
     // start-up and would otherwise come last of all.
-    static constexpr int order[] = {
-        Ids::CatalogCombo, Ids::DrawingTree, Ids::BtnAddToApp, Ids::FilterEdit, Ids::CatalogTree,
-        Ids::BtnAddGroup,  Ids::BtnNewItems, Ids::BtnDelete,   Ids::BtnUp,
-        Ids::BtnDown,      Ids::BtnSetDefault, Ids::BtnSort,   Ids::BtnImport,
-        Ids::BtnExport,    Ids::TemplateCombo, Ids::BtnNew,    Ids::BtnInfo,
-        Ids::Grid,         Ids::Ok,          Ids::Cancel};
-    QWidget* previous = nullptr;
-    for (int id : order)
-    {
-        QWidget* control = findControlById(this, id);
-        // A compound control (the grid) takes the focus through its proxy; Qt ignores a tab
-        // order given for a widget that takes no focus itself.
-        while (control && control->focusProxy())
-            control = control->focusProxy();
-        if (!control)
-            continue;
-        if (previous)
-            setTabOrder(previous, control);
-        previous = control;
-    }
+    auto control = [this](int id) { return findControlById(this, id); };
+    Utility::SetTabOrder({control(Ids::CatalogCombo), control(Ids::DrawingTree),
+                          control(Ids::BtnAddToApp), control(Ids::FilterEdit),
+                          control(Ids::CatalogTree),
+                          control(Ids::BtnAddGroup), control(Ids::BtnNewItems),
+                          control(Ids::BtnDelete), control(Ids::BtnUp), control(Ids::BtnDown),
+                          control(Ids::BtnSetDefault), control(Ids::BtnSort),
+                          control(Ids::BtnImport), control(Ids::BtnExport),
+                          control(Ids::TemplateCombo), control(Ids::BtnNew),
+                          control(Ids::BtnInfo), control(Ids::Grid), control(Ids::Ok),
+                          control(Ids::Cancel)});
 }
 
 void CCatalogEditorDlg::CreateSplitter()
@@ -212,6 +218,7 @@ void CCatalogEditorDlg::resizeEvent(QResizeEvent* event)
     QDialog::resizeEvent(event);
     // The anchors have already placed the controls for the new size.
     KeepSplitterRangeWithBar();
+    PlaceLoadNotice();
 }
 
 // The range stays twenty pixels either side of where the layout puts the bar: left where it
@@ -287,9 +294,7 @@ void CCatalogEditorDlg::LoadTexts()
     const CModuleConfiguration* configuration = CModuleConfiguration::Instance();
     setWindowTitle(configuration->GetMsg(6534));
     for (const BitmapButtonEntry& entry : BitmapButtons)
-        if (entry.toolTip)
-            static_cast<CZEVBitmapButton*>(Button(entry.id))
-                ->SetToolTip(configuration->GetMsg(entry.toolTip));
+        static_cast<CZEVBitmapButton*>(Button(entry.id))->SetToolTip(ToolTipText(entry));
     if (auto* caption = qobject_cast<QLabel*>(findControlById(this, Ids::DrawingCaption)))
         caption->setText(configuration->GetMsg(7284));
     if (auto* box = qobject_cast<QGroupBox*>(findControlById(this, Ids::TemplateGroupBox)))

@@ -50,6 +50,8 @@ void CCatalogEditorDlg::OnTreeSelChanged(bool upper)
 void CCatalogEditorDlg::OnTreeFocus(bool upper)
 {
     m_activeTree = upper ? 1 : 2;
+    m_drawingTree->setSelectionDimmed(!upper);
+    m_catalogTree->setSelectionDimmed(upper);
     ShowSelection(upper);
 }
 

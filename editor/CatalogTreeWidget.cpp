@@ -273,4 +273,30 @@ void CatalogTreeWidget::drawRow(QPainter* painter, const QStyleOptionViewItem& o
                       palette().color(QPalette::Highlight));
 }
 
+void CatalogTreeWidget::setSelectionDimmed(bool dimmed)
+{
+    if (dimmed == m_selectionDimmed)
+        return;
+    m_selectionDimmed = dimmed;
+    if (!dimmed)
+    {
+        setPalette(QPalette());
+        return;
+    }
+    // A third of the highlight over the base, with the rows' own text colour on it.
+    QPalette pale = palette();
+    for (const auto group : {QPalette::Active, QPalette::Inactive})
+    {
+        const QColor highlight = pale.color(group, QPalette::Highlight);
+        const QColor base = pale.color(group, QPalette::Base);
+        const QColor mixed = QColor::fromRgbF(
+            float(base.redF() * 2 + highlight.redF()) / 3,
+            float(base.greenF() * 2 + highlight.greenF()) / 3,
+            float(base.blueF() * 2 + highlight.blueF()) / 3);
+        pale.setColor(group, QPalette::Highlight, mixed);
+        pale.setColor(group, QPalette::HighlightedText, pale.color(group, QPalette::Text));
+    }
+    setPalette(pale);
+}
+
 } // namespace ZEVGis::Editor

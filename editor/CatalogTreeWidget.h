@@ -83,6 +83,10 @@ public:
     // Item rows (not groups, not the root) can be dragged with the left button; over the tree
     // the pointer shows `cursor`, elsewhere that no drop is possible there.
     void setItemDragEnabled(bool enabled, const QCursor& cursor);
+    // A tree the dialog's buttons and grid do not work on shows its selection in a pale
+    // colour, so the user sees which tree is meant.
+    void setSelectionDimmed(bool dimmed);
+    bool isSelectionDimmed() const { return m_selectionDimmed; }
     bool isDraggingItem() const { return m_dragRow != nullptr; }
     // The row a drop would go to now (highlighted, with the insert mark below it).
     QTreeWidgetItem* dropRow() const { return m_dropRow; }
@@ -120,6 +124,7 @@ private:
     QTreeWidgetItem* m_dropRow = nullptr;
 
     const TreeImageList* m_images = nullptr;
+    bool m_selectionDimmed = false;
     QTreeWidgetItem* m_editRow = nullptr;
     QString m_textBeforeEdit;
 };

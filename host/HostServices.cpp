@@ -22,6 +22,11 @@ HostServices& qtServices()
 
 } // namespace
 
+void HostServices::alertWithDetails(const QString& text, const QString&, QWidget* parent)
+{
+    alert(text, parent);
+}
+
 HostServices& HostServices::current()
 {
     HostServices* services = installedServices();

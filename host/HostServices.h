@@ -18,6 +18,10 @@ public:
 
     // The host's alert box (acedAlert): an OK box with the text.
     virtual void alert(const QString& text, QWidget* parent = nullptr) = 0;
+    // The alert with the reason behind it, which the user can unfold below the text. A host
+    // without such a place shows the text alone (the reason is in the log).
+    virtual void alertWithDetails(const QString& text, const QString& details,
+                                  QWidget* parent = nullptr);
     // A Yes/No question with the question icon; true only for Yes.
     virtual bool askYesNo(const QString& text, const QString& caption = QString(),
                           QWidget* parent = nullptr) = 0;

@@ -26,7 +26,14 @@ QString QtHostServices::defaultCaption()
 
 void QtHostServices::alert(const QString& text, QWidget* parent)
 {
+    alertWithDetails(text, QString(), parent);
+}
+
+void QtHostServices::alertWithDetails(const QString& text, const QString& details,
+                                      QWidget* parent)
+{
     QMessageBox box(QMessageBox::Warning, defaultCaption(), text, QMessageBox::Ok, parent);
+    box.setDetailedText(details);
     box.exec();
 }
 

@@ -14,6 +14,8 @@ public:
     ~QtHostServices() override;
 
     void alert(const QString& text, QWidget* parent = nullptr) override;
+    void alertWithDetails(const QString& text, const QString& details,
+                          QWidget* parent = nullptr) override;
     bool askYesNo(const QString& text, const QString& caption = QString(),
                   QWidget* parent = nullptr) override;
     bool isCtrlPressed() const override;

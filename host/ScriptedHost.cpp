@@ -23,6 +23,7 @@ void ScriptedHost::clear()
     m_openNames.clear();
     m_saveNames.clear();
     m_alerts.clear();
+    m_alertDetails.clear();
     m_questions.clear();
     m_fileRequests.clear();
     m_waitCursorDepth = 0;
@@ -31,9 +32,15 @@ void ScriptedHost::clear()
     m_pops = 0;
 }
 
-void ScriptedHost::alert(const QString& text, QWidget*)
+void ScriptedHost::alert(const QString& text, QWidget* parent)
+{
+    alertWithDetails(text, QString(), parent);
+}
+
+void ScriptedHost::alertWithDetails(const QString& text, const QString& details, QWidget*)
 {
     m_alerts.append(text);
+    m_alertDetails.append(details);
 }
 
 bool ScriptedHost::askYesNo(const QString& text, const QString& caption, QWidget*)

@@ -48,6 +48,8 @@ public:
 
     // --- what happened
     const QStringList& alerts() const { return m_alerts; }
+    // The details of each alert, in step with alerts() ("" for an alert without).
+    const QStringList& alertDetails() const { return m_alertDetails; }
     const QList<Question>& questions() const { return m_questions; }
     int unscriptedQuestions() const;
     int pendingAnswers() const { return int(m_answers.size()); }
@@ -62,6 +64,8 @@ public:
 
     // --- HostServices
     void alert(const QString& text, QWidget* parent = nullptr) override;
+    void alertWithDetails(const QString& text, const QString& details,
+                          QWidget* parent = nullptr) override;
     bool askYesNo(const QString& text, const QString& caption = QString(),
                   QWidget* parent = nullptr) override;
     bool isCtrlPressed() const override { return m_ctrlPressed; }
@@ -83,6 +87,7 @@ private:
     bool m_ctrlPressed = false;
 
     QStringList m_alerts;
+    QStringList m_alertDetails;
     QList<Question> m_questions;
     QList<FileRequest> m_fileRequests;
     int m_waitCursorDepth = 0;

@@ -1,8 +1,14 @@
 #include "controls/ControlId.h"
 #include "controls/ResizeAnchors.h"
+#include "controls/TabOrder.h"
+#include "controls/WindowPlacement.h"
+#include "tests/support/TabWalk.h"
 #include "controls/ZEVBitmapButton.h"
 
+#include <QDialog>
 #include <QPainter>
+#include <QPushButton>
+#include <QTreeView>
 #include <QTest>
 
 using ZEVGis::Utility::CZEVBitmapButton;
@@ -99,6 +105,64 @@ private slots:
             for (int x = 0; x < shot.width(); ++x)
                 red += shot.pixelColor(x, y) == QColor(Qt::red);
         QCOMPARE(red, 24 * 24);
+    }
+
+    // Two screens side by side: 0..1919 and 1920..3199 (the second 1280 x 1024, lower).
+    void placementFitsOnScreens_data()
+    {
+        QTest::addColumn<QRect>("saved");
+        QTest::addColumn<QRect>("expected");
+        // clang-format off
+        QTest::newRow("as saved")             << QRect(100, 50, 1100, 800)   << QRect(100, 50, 1100, 800);
+        QTest::newRow("below the minimum")    << QRect(100, 50, 300, 200)    << QRect(100, 50, 1013, 735);
+        QTest::newRow("past the right edge")  << QRect(2500, 50, 1100, 800)  << QRect(2100, 50, 1100, 800);
+        QTest::newRow("across both screens")  << QRect(1500, 50, 1100, 800)  << QRect(1920, 50, 1100, 800);
+        QTest::newRow("mostly on the second") << QRect(2100, 300, 1013, 735) << QRect(2100, 289, 1013, 735);
+        QTest::newRow("off every screen")     << QRect(-5000, 9000, 1100, 800) << QRect(0, 280, 1100, 800);
+        QTest::newRow("larger than a screen") << QRect(0, 0, 2500, 1500)   << QRect(0, 0, 1920, 1080);
+        QTest::newRow("second screen, too big") << QRect(2000, 100, 1900, 1200) << QRect(1920, 0, 1280, 1024);
+        // clang-format on
+    }
+    void placementFitsOnScreens()
+    {
+        QFETCH(QRect, saved);
+        QFETCH(QRect, expected);
+        const QList<QRect> screens{QRect(0, 0, 1920, 1080), QRect(1920, 0, 1280, 1024)};
+        QCOMPARE(ZEVGis::Utility::FitOnScreens(saved, QSize(1013, 735), screens), expected);
+        // A screen smaller than the minimum still gets the minimum, from its corner.
+        QCOMPARE(ZEVGis::Utility::FitOnScreens(saved, QSize(1013, 735), {QRect(0, 0, 800, 600)}),
+                 QRect(0, 0, qMax(1013, qMin(800, saved.width())), qMax(735, qMin(600, saved.height()))));
+    }
+
+    // Qt moves a control in the tab chain only up to its last part that takes the focus;
+    // a tree's viewport passes its focus on and was left behind, so Shift+Tab from the first
+    // control went into the tree instead of to the last control.
+    void tabOrderKeepsCompoundsWhole()
+    {
+        QDialog dialog;
+        auto* first = new QPushButton("first", &dialog);
+        auto* last = new QPushButton("last", &dialog);
+        auto* compound = new QWidget(&dialog); // made last, as the dialogs make their grid
+        auto* tree = new QTreeView(compound);
+        auto* plainTree = new QTreeView(&dialog); // a control whose viewport passes the focus on
+        plainTree->move(0, 0);
+        compound->setFocusPolicy(tree->focusPolicy());
+        compound->setFocusProxy(tree);
+        for (QWidget* w : {static_cast<QWidget*>(first), static_cast<QWidget*>(last), compound})
+            w->move(0, 0);
+        ZEVGis::Utility::SetTabOrder({first, plainTree, compound, last});
+        // Every part keeps its own focus policy.
+        QCOMPARE(compound->focusPolicy(), Qt::StrongFocus);
+        QCOMPARE(tree->focusPolicy(), Qt::StrongFocus);
+        QCOMPARE(tree->viewport()->focusPolicy(), Qt::NoFocus);
+        QCOMPARE(first->focusPolicy(), Qt::StrongFocus);
+        QCOMPARE(plainTree->focusPolicy(), Qt::StrongFocus);
+        QCOMPARE(TestSupport::tabStops(&dialog).size(), 4);
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        const QStringList traps = TestSupport::tabTraps(&dialog);
+        QVERIFY2(traps.isEmpty(), qPrintable(traps.join('\n')));
+        QCOMPARE(TestSupport::walkTab(first, false, 1), QList<QWidget*>{last});
     }
 };
 
