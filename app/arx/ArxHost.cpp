@@ -77,6 +77,11 @@ void ArxHostServices::alert(const QString& text, QWidget*)
     acedAlert(wide(text).c_str());
 }
 
+void ArxHostServices::alertWithDetails(const QString& text, const QString&, QWidget* parent)
+{
+    alert(text, parent);
+}
+
 void ArxHostServices::pushResourceHandle()
 {
     acDocManager->pushResourceHandle(m_moduleInstance);

@@ -41,6 +41,9 @@ public:
     explicit ArxHostServices(HINSTANCE moduleInstance) : m_moduleInstance(moduleInstance) {}
 
     void alert(const QString& text, QWidget* parent = nullptr) override;
+    // The host's alert has no place for details: the text alone (the reason is in the log).
+    void alertWithDetails(const QString& text, const QString& details,
+                          QWidget* parent = nullptr) override;
     void pushResourceHandle() override;
     void popResourceHandle() override;
 

@@ -50,17 +50,19 @@ void TestProgram::parse_data()
 {
     QTest::addColumn<QStringList>("args");
     QTest::addColumn<CommandLine::Action>("action");
-    // Run: reference|hidden|catalogs|drawing|lang|screenshot|repository; else a piece of the text.
+    // Run: reference|hidden|catalogs|drawing|lang|screenshot|repository|select; else a piece
+    // of the text.
     QTest::addColumn<QString>("expected");
 
     const auto run = CommandLine::Action::Run;
     const auto error = CommandLine::Action::Error;
     // clang-format off
-    QTest::newRow("nothing") << QStringList{} << run << "|0|||||";
+    QTest::newRow("nothing") << QStringList{} << run << "|0||||||";
     QTest::newRow("everything")
         << QStringList{"--lang=HR", "cables", "--show-hidden", "--catalogs", "@TMP", "--drawing",
-                       "@TMP/p.dwg", "--screenshot", "@TMP/shot.png", "--repository", "sqlite:@TMP/r"}
-        << run << "cables|1|@TMP|@TMP/p.dwg|hr|@TMP/shot.png|sqlite:@TMP/r";
+                       "@TMP/p.dwg", "--screenshot", "@TMP/shot.png", "--repository", "sqlite:@TMP/r",
+                       "--select", "NA2XS(F)2Y 1x150/25 12/20 kV"}
+        << run << "cables|1|@TMP|@TMP/p.dwg|hr|@TMP/shot.png|sqlite:@TMP/r|NA2XS(F)2Y 1x150/25 12/20 kV";
     QTest::newRow("repository without a value") << QStringList{"--repository"} << error
         << "Missing value after '--repository'";
     QTest::newRow("help") << QStringList{"--catalogs", "x", "--help"}
@@ -93,7 +95,7 @@ void TestProgram::parse()
     const QString fields = QStringList{o.catalogReference, QString::number(o.showHiddenCatalogs),
                                        o.catalogsFolder,   o.drawing,
                                        o.language,         o.screenshot,
-                                       o.repository}
+                                       o.repository,       o.select}
                                .join(u'|');
     if (action == CommandLine::Action::Run)
         QCOMPARE(fields, expected);

@@ -1,8 +1,10 @@
 // The editor as a user sees and reaches it: Tab through every control, tool tips, the bar of
 // a catalog that does not load, the inactive tree's selection, the grid's focus frame and the
 // place kept between runs.
+#include "catalog/CatalogItem.h"
 #include "catalog/CatalogManager.h"
 #include "catalog/ModuleConfiguration.h"
+#include "controls/PropertyGridModel.h"
 #include "controls/PropertyGridWidget.h"
 #include "controls/ZEVBitmapButton.h"
 #include "editor/CatalogEditorIds.h"
@@ -41,6 +43,8 @@ private slots:
     void unreadableRegistryAlertCarriesTheReason();
     void inactiveTreeShowsSelectionDimmed();
     void focusedGridShowsFrame();
+    void initialSelectionFillsGridAndPicture_data();
+    void initialSelectionFillsGridAndPicture();
     void placementIsKeptBetweenRuns_data();
     void placementIsKeptBetweenRuns();
 };
@@ -294,6 +298,36 @@ void TestEditorLooks::focusedGridShowsFrame()
     QCOMPARE(QApplication::focusWidget(), grid);
     for (const QPoint& edge : edges)
         QCOMPARE(pixelAt(grid, edge), highlight);
+}
+
+void TestEditorLooks::initialSelectionFillsGridAndPicture_data()
+{
+    QTest::addColumn<QString>("select");
+    QTest::addColumn<QString>("current"); // name of the item shown, empty: none
+    QTest::newRow("by GUID") << "{A-25}" << "Cable 4x25";
+    QTest::newRow("by name, in a closed group") << "Cu 95" << "Cu 95";
+    QTest::newRow("no match") << "Cable 4x99" << "";
+}
+
+// What --select asks for: the entry selected in the catalog tree as a click would select it.
+void TestEditorLooks::initialSelectionFillsGridAndPicture()
+{
+    QFETCH(QString, select);
+    QFETCH(QString, current);
+    writeDefaultStore();
+    auto dlg = std::make_unique<CCatalogEditorDlg>();
+    dlg->SetCatalogReference("CABLES");
+    dlg->SetInitialSelection(select);
+    dlg->show();
+    QVERIFY(QTest::qWaitForWindowExposed(dlg.get()));
+    QCOMPARE(dlg->CurrentItem() ? dlg->CurrentItem()->GetName() : QString(), current);
+    if (current.isEmpty())
+        return;
+    QCOMPARE(dlg->ActiveTree(), 2);
+    auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
+    QCOMPARE(lower->currentItem()->text(0), current);
+    QVERIFY(lower->currentItem()->parent()->isExpanded());
+    QVERIFY(findControl<PropertyGridWidget>(dlg.get(), Ids::Grid)->model()->rowCount() > 0);
 }
 
 void TestEditorLooks::placementIsKeptBetweenRuns_data()
