@@ -33,7 +33,11 @@ void CCatalogEditorDlg::CreateFilterField()
     m_filterEdit->installEventFilter(this);
     connect(m_filterEdit, &QLineEdit::textChanged, this, &CCatalogEditorDlg::SetFilterText);
     for (Editor::CatalogTreeWidget* tree : {m_drawingTree, m_catalogTree})
+    {
         tree->setItemDelegate(new Editor::FilterMarkDelegate(&m_rowFilter, tree));
+        connect(tree, &QTreeWidget::itemExpanded, this,
+                [this, tree](QTreeWidgetItem* row) { m_rowFilter.applyBelow(*tree, row); });
+    }
 
     auto* find = new QAction(this);
     find->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));

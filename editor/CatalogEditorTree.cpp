@@ -39,7 +39,7 @@ void CCatalogEditorDlg::FillTree(bool upper, CCatalog* catalog)
                    upper ? nullptr : &m_itemRows, m_catalogTree);
     if (!upper)
         m_lowerRoot = root;
-    m_rowFilter.apply(*tree);
+    m_rowFilter.apply(*tree, true);
 }
 
 void CCatalogEditorDlg::OnTreeSelChanged(bool upper)
@@ -145,6 +145,7 @@ void CCatalogEditorDlg::ForgetRows(QTreeWidgetItem* row)
     {
         QTreeWidgetItem* next = pending.back();
         pending.pop_back();
+        m_rowFilter.forget(next);
         if (CCatalogItem* item = Editor::CatalogItemOfRow(next))
         {
             const auto it = m_itemRows.find(item);
@@ -166,6 +167,7 @@ void CCatalogEditorDlg::DropTreeRows()
             continue;
         const QSignalBlocker blocker(tree);
         tree->clear();
+        m_rowFilter.apply(*tree, true);
     }
     m_itemRows.clear();
     m_lowerRoot = nullptr;

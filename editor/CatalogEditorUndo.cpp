@@ -162,10 +162,17 @@ void CCatalogEditorDlg::ShowUndoneOrRedone(const CatalogEditCommand& command,
                                            const EditorViewState& view)
 {
     m_currentItem = nullptr;
+    std::vector<CatalogTreeWidget*> refilled;
     for (int which : {0, 1})
         if (const auto catalog = GetCatalog(which); catalog && catalog.get() == command.catalog())
+        {
             RefillTree(which);
+            refilled.push_back(which == 0 ? m_drawingTree : m_catalogTree);
+        }
     RestoreView(view);
+    // Putting rows back in their order takes their hidden state with them.
+    for (CatalogTreeWidget* tree : refilled)
+        m_rowFilter.apply(*tree, true);
 }
 
 EditorViewState CCatalogEditorDlg::CaptureView() const

@@ -25,10 +25,18 @@ char16_t Unmarked(char16_t c)
     }
 }
 
-bool SameLetter(QChar inName, char16_t typed)
+// Lower case; ASCII without a table look-up, as nearly every letter of a catalog name is.
+inline char16_t Lower(char16_t c)
 {
-    const char16_t lower = inName.toLower().unicode();
-    return lower == typed || Unmarked(lower) == typed;
+    if (c < 0x80)
+        return c >= u'A' && c <= u'Z' ? char16_t(c + 32) : c;
+    return QChar::toLower(c);
+}
+
+inline bool SameLetter(char16_t inName, char16_t typed)
+{
+    const char16_t lower = Lower(inName);
+    return lower == typed || (lower >= 0x80 && Unmarked(lower) == typed);
 }
 
 } // namespace
@@ -46,7 +54,7 @@ qsizetype NameFilter::indexIn(QStringView name, qsizetype from) const
     for (qsizetype start = std::max<qsizetype>(from, 0); start + length <= name.size(); ++start)
     {
         qsizetype k = 0;
-        while (k < length && SameLetter(name[start + k], pattern[k]))
+        while (k < length && SameLetter(name[start + k].unicode(), pattern[k]))
             ++k;
         if (k == length)
             return start;

@@ -11,7 +11,7 @@ namespace ZEVGis::Editor
 
 namespace
 {
-constexpr size_t MaxMatchesOpened = 500;
+constexpr size_t MaxMatchesOpened = 50;
 } // namespace
 
 void TreeRowFilter::setFilter(const NameFilter& filter)
@@ -26,11 +26,63 @@ void TreeRowFilter::pin(const Data::CCatalogItem* item)
         m_pinned.insert(item);
 }
 
-void TreeRowFilter::apply(QTreeWidget& tree) const
+bool TreeRowFilter::keeps(QTreeWidgetItem* row) const
 {
-    QTreeWidgetItem* root = tree.topLevelItem(0);
-    if (!root)
+    return m_filter.matches(row->text(0)) || m_pinned.count(CatalogItemOfRow(row)) != 0;
+}
+
+bool TreeRowFilter::keepsBelow(QTreeWidgetItem* row) const
+{
+    std::vector<QTreeWidgetItem*> pending{row};
+    while (!pending.empty())
+    {
+        QTreeWidgetItem* next = pending.back();
+        pending.pop_back();
+        if (keeps(next))
+            return true;
+        for (int i = 0; i < next->childCount(); ++i)
+            pending.push_back(next->child(i));
+    }
+    return false;
+}
+
+void TreeRowFilter::setHidden(QTreeWidget& tree, QTreeWidgetItem* row, bool hide)
+{
+    auto& hidden = m_hidden[&tree];
+    if ((hidden.count(row) != 0) == hide)
         return;
+    row->setHidden(hide);
+    if (hide)
+        hidden.insert(row);
+    else
+        hidden.erase(row);
+}
+
+void TreeRowFilter::forget(QTreeWidgetItem* row)
+{
+    for (auto& [tree, hidden] : m_hidden)
+        hidden.erase(row);
+}
+
+void TreeRowFilter::apply(QTreeWidget& tree, bool freshRows)
+{
+    auto& hidden = m_hidden[&tree];
+    if (freshRows)
+        hidden.clear();
+    QTreeWidgetItem* root = tree.topLevelItem(0);
+    if (!root || (m_filter.isEmpty() && hidden.empty()))
+        return;
+    const bool updates = tree.updatesEnabled();
+    tree.setUpdatesEnabled(false);
+    if (m_filter.isEmpty())
+    {
+        for (QTreeWidgetItem* row : hidden)
+            row->setHidden(false);
+        hidden.clear();
+        tree.setUpdatesEnabled(updates);
+        return;
+    }
+
     // Rows breadth first, so that a parent comes before its children.
     std::vector<QTreeWidgetItem*> rows;
     std::vector<int> parents;
@@ -48,40 +100,57 @@ void TreeRowFilter::apply(QTreeWidget& tree) const
             parents.push_back(int(next));
         }
     }
-    const bool all = m_filter.isEmpty();
     std::vector<size_t> matches;
     const std::vector<char> shown = ShownRows(parents, [&](size_t i) {
-        if (all)
-            return true;
         const bool match = m_filter.matches(rows[i]->text(0));
         if (match)
             matches.push_back(i);
         return match || m_pinned.count(CatalogItemOfRow(rows[i])) != 0;
     });
 
-    const bool updates = tree.updatesEnabled();
-    tree.setUpdatesEnabled(false);
+    std::vector<signed char> open(rows.size(), -1); // asked once per parent
     for (size_t i = 0; i < rows.size(); ++i)
     {
-        if (parents[i] >= 0 && !shown[size_t(parents[i])])
-            continue;
-        if (rows[i]->isHidden() == !shown[i])
-            continue;
-        rows[i]->setHidden(!shown[i]);
+        const int parent = parents[i];
+        if (parent >= 0)
+        {
+            if (!shown[size_t(parent)])
+                continue;
+            signed char& isOpen = open[size_t(parent)];
+            if (isOpen < 0)
+                isOpen = rows[size_t(parent)]->isExpanded() ? 1 : 0;
+            if (!isOpen)
+                continue;
+        }
+        setHidden(tree, rows[i], !shown[i]);
     }
-    // A few matches are opened up to; for many the user types on.
+    // A few matches are opened up to (applyBelow shows their rows); for many the user types on.
     if (!matches.empty() && matches.size() <= MaxMatchesOpened)
     {
         root->setExpanded(true);
         for (size_t match : matches)
-            for (int up = parents[match]; up >= 0 && !rows[size_t(up)]->isExpanded(); up = parents[size_t(up)])
-                rows[size_t(up)]->setExpanded(true);
+        {
+            std::vector<QTreeWidgetItem*> path;
+            for (int up = parents[match]; up >= 0; up = parents[size_t(up)])
+                path.push_back(rows[size_t(up)]);
+            for (auto it = path.rbegin(); it != path.rend(); ++it)
+                if (!(*it)->isExpanded())
+                    (*it)->setExpanded(true);
+        }
     }
     if (QTreeWidgetItem* current = tree.currentItem())
         if (QTreeWidgetItem* shownRow = shownRowFor(current); shownRow != current)
             tree.setCurrentItem(shownRow);
     tree.setUpdatesEnabled(updates);
     tree.viewport()->update();
+}
+
+void TreeRowFilter::applyBelow(QTreeWidget& tree, QTreeWidgetItem* row)
+{
+    if (!row || (m_filter.isEmpty() && m_hidden[&tree].empty()))
+        return;
+    for (int i = 0; i < row->childCount(); ++i)
+        setHidden(tree, row->child(i), !m_filter.isEmpty() && !keepsBelow(row->child(i)));
 }
 
 QTreeWidgetItem* TreeRowFilter::shownRowFor(QTreeWidgetItem* row)
