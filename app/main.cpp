@@ -108,14 +108,6 @@ int main(int argc, char* argv[])
     QApplication application(argc, argv);
 
     configure(options);
-    // The connection is closed while QtSql still stands, not by the client's static
-    // destructor after it.
-#ifdef ZEVX_WITH_REPOSITORY
-    struct CloseRepositoryAtEnd
-    {
-        ~CloseRepositoryAtEnd() { Repository::CRepositoryStorageManager::Instance()->Reset(); }
-    } closeRepositoryAtEnd;
-#endif
     Host::QtHostServices hostServices;
     Host::ScopedHostServices useHost(hostServices);
 

@@ -176,12 +176,6 @@ QString repositoryUsageError(const QStringList& words)
 
 int repositoryCommand(const QStringList& words, const QString& url, QTextStream& out, QTextStream& err)
 {
-    // The connection is closed while QtSql still stands, not by the client's static
-    // destructor after it.
-    struct CloseAtEnd
-    {
-        ~CloseAtEnd() { CRepositoryStorageManager::Instance()->Reset(); }
-    } closeAtEnd;
     const QString command = words[0];
     const QString reference = words[1];
     const QStringList guids = words.mid(2);
