@@ -24,8 +24,19 @@ CRepositoryStorageManager* CRepositoryStorageManager::Instance()
     return &manager;
 }
 
-CRepositoryStorageManager::CRepositoryStorageManager() = default;
-CRepositoryStorageManager::~CRepositoryStorageManager() = default;
+CRepositoryStorageManager::CRepositoryStorageManager()
+{
+    // The connection is closed while the application object goes, when Qt's registry of
+    // database connections still exists: this static manager outlives that registry.
+    qAddPostRoutine([] { Instance()->Reset(); });
+}
+
+CRepositoryStorageManager::~CRepositoryStorageManager()
+{
+    // Still connected at exit (no application object ever went): the registry may be gone
+    // already, and the system closes the connection anyway.
+    (void)m_store.release();
+}
 
 int CRepositoryStorageManager::Configure(const QString& url)
 {

@@ -45,6 +45,6 @@ int main(int argc, char** argv)
             return 1;
         }
     }
-    repository->Reset();
+    // Ends still connected, as programs do: the client must close cleanly at exit.
     return 0;
 }
