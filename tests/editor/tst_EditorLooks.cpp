@@ -2,6 +2,7 @@
 // a catalog that does not load, the inactive tree's selection, the grid's focus frame and the
 // place kept between runs.
 #include "catalog/CatalogItem.h"
+#include "catalog/CatalogItemTemplate.h"
 #include "catalog/CatalogManager.h"
 #include "catalog/ModuleConfiguration.h"
 #include "controls/PropertyGridModel.h"
@@ -17,6 +18,9 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
+#include <QDialog>
+#include <QDir>
+#include <QImage>
 #include <QFile>
 #include <QLabel>
 #include <QMessageBox>
@@ -24,6 +28,7 @@
 #include <QTimer>
 #include <QTreeWidget>
 #include <QtTest>
+#include <boost/make_shared.hpp>
 
 using namespace ZEVGis;
 using ZEVGis::Editor::CatalogTreeWidget;
@@ -36,6 +41,7 @@ class TestEditorLooks : public EditorDialogFixture
 private slots:
     void tabReachesEveryControl_data();
     void tabReachesEveryControl();
+    void tabGoesRoundInThePicturePreview();
     void iconButtonsHaveToolTips_data();
     void iconButtonsHaveToolTips();
     void brokenCatalogIsExplainedInTheDialog_data();
@@ -149,6 +155,39 @@ void TestEditorLooks::tabReachesEveryControl()
     QVERIFY(stops.contains(findControlById(dlg.get(), Ids::CatalogCombo)));
     const QStringList traps = TestSupport::tabTraps(dlg.get());
     QVERIFY2(traps.isEmpty(), qPrintable(traps.join('\n')));
+}
+
+// The editor's other dialog: its controls too are reached from each other.
+void TestEditorLooks::tabGoesRoundInThePicturePreview()
+{
+    auto definition = cablesCatalog()->GetItembyGuid("{A-25}");
+    definition->SetPictureRef("cable.png");
+    auto cables = entry("CABLES", "Cables", cablesCatalog());
+    cables.templates = {boost::make_shared<Data::CCatalogItemTemplate>("Cable", 1, definition)};
+    writeStore({cables});
+    QImage picture(20, 20, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    QDir().mkpath(m_store->root() + "/pictures");
+    QVERIFY(picture.save(m_store->root() + "/pictures/cable.png"));
+
+    auto dlg = openDialog("CABLES");
+    QStringList traps{"the preview did not open"};
+    int stops = 0;
+    QTimer::singleShot(0, this, [&] {
+        if (auto* preview = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
+        {
+            preview->activateWindow();
+            if (QTest::qWaitForWindowActive(preview))
+            {
+                stops = int(TestSupport::tabStops(preview).size());
+                traps = TestSupport::tabTraps(preview);
+            }
+            preview->close();
+        }
+    });
+    findControl<QAbstractButton>(dlg.get(), Ids::BtnInfo)->click();
+    QVERIFY2(traps.isEmpty(), qPrintable(traps.join('\n')));
+    QVERIFY(stops >= 1);
 }
 
 void TestEditorLooks::iconButtonsHaveToolTips_data()
