@@ -37,11 +37,11 @@ struct Placement
     int x, y, w, h; // dialog units
 };
 
-// The file radio reaches up to the path (86 units instead of 72): its text, "External XML
-// file" or "Vanjska XML datoteka", is longer than the template's.
+// The file radio is wider than the template's (106 units instead of 72) and the path starts
+// after it: its text, "External XML file" or "Vanjska XML datoteka", is longer.
 constexpr Placement TemplatePlacements[] = {
-    {Ids::ModeGroupBox, 7, 3, 425, 46},     {Ids::RadioFile, 17, 16, 86, 10},
-    {Ids::RadioRepository, 17, 33, 110, 10}, {Ids::EditPath, 105, 15, 299, 12},
+    {Ids::ModeGroupBox, 7, 3, 425, 46},     {Ids::RadioFile, 17, 16, 106, 10},
+    {Ids::RadioRepository, 17, 33, 110, 10}, {Ids::EditPath, 125, 15, 279, 12},
     {Ids::BtnBrowse, 407, 13, 18, 16},      {Ids::LocalCaption, 7, 51, 176, 8},
     {Ids::TargetCaption, 233, 51, 176, 8},  {Ids::TreeLocal, 7, 63, 199, 238},
     {Ids::TreeTarget, 233, 63, 199, 238},   {Ids::BtnAdd, 210, 62, 19, 17},

@@ -90,6 +90,8 @@ private slots:
     void tabReachesEveryControlBothWays();
     void editorImportReloadsTreeWithoutSaving();
     void editorExportChangesNothing();
+    void radioTextsFit_data();
+    void radioTextsFit();
     void screenshots_data();
     void screenshots();
 
@@ -445,6 +447,28 @@ void TestDlgCatalogImpex::editorExportChangesNothing()
     QCOMPARE(title, Msg(8531));
     QCOMPARE(m_store->catalogFileBytes("CABLES"), before);
     QCOMPARE(childTexts(rowAt(findControl<QTreeWidget>(editor.get(), Editor::Ids::CatalogTree), "")).size(), 3);
+}
+
+void TestDlgCatalogImpex::radioTextsFit_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::newRow("en") << "en";
+    QTest::newRow("hr") << "hr";
+}
+
+void TestDlgCatalogImpex::radioTextsFit()
+{
+    QFETCH(QString, language);
+    CModuleConfiguration::Instance()->SetLanguage(language);
+    writeDefaultStore();
+    const auto dlg = openImpex(CDlgCatalogImpex::Import);
+    for (int id : {Ids::RadioFile, Ids::RadioRepository})
+    {
+        auto* radio = findControl<QRadioButton>(dlg.get(), id);
+        QVERIFY2(radio->width() >= radio->sizeHint().width(), qPrintable(radio->text()));
+        QVERIFY(!radio->geometry().intersects(findControl<QWidget>(dlg.get(), Ids::EditPath)->geometry()));
+    }
+    CModuleConfiguration::Instance()->SetLanguage("en");
 }
 
 void TestDlgCatalogImpex::screenshots_data()
