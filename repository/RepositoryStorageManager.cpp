@@ -14,13 +14,6 @@ using ZEVGis::Data::CCatalogItem;
 CRepositoryStorageManager* CRepositoryStorageManager::Instance()
 {
     static CRepositoryStorageManager manager;
-    // A connection still open at the end goes with the application object, while QtSql
-    // still stands; after it, closing it crashes.
-    static const bool closedWithApplication = [] {
-        qAddPostRoutine([] { manager.Reset(); });
-        return true;
-    }();
-    Q_UNUSED(closedWithApplication);
     return &manager;
 }
 
