@@ -31,11 +31,8 @@ void CCatalogItem::GetSortedSubItems(std::vector<boost::shared_ptr<CCatalogItem>
 void CCatalogItem::SetName(const QString& name)
 {
     m_name = name;
-    // The property grid shows the name as the CATALOGITEM_NAME property; keep it in step
-    // when the item has one.
-    if (m_properties)
-        if (auto property = m_properties->FindProperty(QString::fromUtf16(CatalogItemNameTag)))
-            property->SetValue(CDataBox(property->GetValue().GetType(), name));
+    if (CPropertyEx* property = m_properties ? m_properties->NameProperty() : nullptr)
+        property->SetValue(CDataBox(property->GetValue().GetType(), name));
 }
 
 void CCatalogItem::SetParentItem(boost::shared_ptr<CCatalogItem> parent)
@@ -46,7 +43,17 @@ void CCatalogItem::SetParentItem(boost::shared_ptr<CCatalogItem> parent)
 
 void CCatalogItem::SetProperties(boost::shared_ptr<CPropertiesEx> properties)
 {
-    m_properties = properties;
+    m_properties = std::move(properties);
+    CPropertyEx* property = m_properties ? m_properties->NameProperty() : nullptr;
+    if (!property)
+        return;
+    // Files written while the two could differ hold the user's last edit in the property;
+    // a definition written by hand may leave the property empty.
+    const CDataBox value = property->GetValue();
+    if (value.ToString().isEmpty())
+        property->SetValue(CDataBox(value.GetType(), m_name));
+    else
+        m_name = value.ToString();
 }
 
 void CCatalogItem::AddSubItem(boost::shared_ptr<CCatalogItem> item)

@@ -29,7 +29,13 @@ public:
     CCatalogItem();
 
     QString GetGUID() const { return m_guid; }
-    QString GetName() const { return m_name; }
+    // The name and the CATALOGITEM_NAME property are one value: with such a property the
+    // name is its value, whoever set it (the grid writes the property itself).
+    QString GetName() const
+    {
+        const CPropertyEx* property = m_properties ? m_properties->NameProperty() : nullptr;
+        return property ? property->GetValue().ToString() : m_name;
+    }
     int GetMsgName() const { return m_msgName; }
     int IsGroup() const { return m_isGroup; }
     int GetOrd() const { return m_ord; }
@@ -47,6 +53,7 @@ public:
     void GetSortedSubItems(std::vector<boost::shared_ptr<CCatalogItem>>& out);
 
     void SetGUID(const QString& guid) { m_guid = guid; }
+    // Also the value of the name property, when the item has one.
     void SetName(const QString& name);
     void SetPictureRef(const QString& ref) { m_pictureRef = ref; }
     void SetParentItemGuid(const QString& guid) { m_parentGuid = guid; }
@@ -57,6 +64,8 @@ public:
     void SetIsDefault(int isDefault) { m_isDefault = isDefault != 0; }
     // Also sets the parent GUID (empty for none).
     void SetParentItem(boost::shared_ptr<CCatalogItem> parent);
+    // A name property among them that has a value names the item; one without a value
+    // takes the item's name.
     void SetProperties(boost::shared_ptr<CPropertiesEx> properties);
 
     // Adds (or replaces) a sub-item under its GUID. The sub-item's parent is not changed.

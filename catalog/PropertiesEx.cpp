@@ -1,5 +1,7 @@
 #include "catalog/PropertiesEx.h"
 
+#include "catalog/CatalogItem.h"
+
 #include <boost/make_shared.hpp>
 
 namespace ZEVGis::Data
@@ -38,6 +40,19 @@ boost::shared_ptr<CPropertyEx> CPropertiesEx::FindProperty(const QString& tag) c
             return property;
     }
     return {};
+}
+
+CPropertyEx* CPropertiesEx::NameProperty() const
+{
+    static const QString nameTag = QString::fromUtf16(CatalogItemNameTag);
+    for (const auto& category : m_categories) {
+        if (!category)
+            continue;
+        for (const auto& property : category->GetPropertyExVector())
+            if (property && property->HasTag(nameTag))
+                return property.get();
+    }
+    return nullptr;
 }
 
 } // namespace ZEVGis::Data

@@ -26,6 +26,9 @@ public:
 
     // The first property with this tag in any category, or empty.
     boost::shared_ptr<CPropertyEx> FindProperty(const QString& tag) const;
+    // The first CATALOGITEM_NAME property, or null. Looked up on each call, as the item
+    // asks for its name: no copies of pointers, so a tree fill stays as fast as before.
+    CPropertyEx* NameProperty() const;
 
 private:
     std::vector<boost::shared_ptr<CCategory>> m_categories;

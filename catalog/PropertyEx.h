@@ -64,6 +64,8 @@ public:
 
     QString GetTag() const { return m_tag; }
     void SetTag(const QString& tag) { m_tag = tag; }
+    // Compares without copying the tag.
+    bool HasTag(const QString& tag) const { return m_tag == tag; }
     QString GetCaption() const
     {
         return !m_extra || m_extra->caption.isEmpty() ? m_tag : m_extra->caption;

@@ -113,6 +113,57 @@ private slots:
         QCOMPARE(dump(fromBytes), dump(catalog));
     }
 
+    // The item's name and its name property are one value, whichever way it changes, and
+    // stay one through a save, a reload and a copy.
+    void nameIsOneValue_data()
+    {
+        QTest::addColumn<QString>("change"); // "SetName", "property", or "" for the file as is
+        QTest::addColumn<QString>("file");   // the item as stored before the change
+        QTest::addColumn<QString>("name");   // the name everywhere afterwards
+
+        const QString fresh = QStringLiteral(
+            "<i id=\"{N1}\" n=\"Staro\"><c n=\"A\"><p t=\"CATALOGITEM_NAME\" v=\"Staro\"/></c></i>");
+        // clang-format off
+        QTest::newRow("renamed by SetName")        << "SetName"  << fresh << "Novo ime";
+        QTest::newRow("renamed in the property")   << "property" << fresh << "Novo ime";
+        // Files saved while the two could differ: the property holds the user's last edit.
+        QTest::newRow("file: stale n=")            << "" << QStringLiteral("<i id=\"{N1}\" n=\"Staro\"><c n=\"A\"><p t=\"CATALOGITEM_NAME\" v=\"Novo ime\"/></c></i>") << "Novo ime";
+        // A name property left empty (a template written by hand) takes the item's name.
+        QTest::newRow("file: empty name property") << "" << QStringLiteral("<i id=\"{N1}\" n=\"Novo ime\"><c n=\"A\"><p t=\"CATALOGITEM_NAME\"/></c></i>") << "Novo ime";
+        QTest::newRow("file: no name property")    << "" << QStringLiteral("<i id=\"{N1}\" n=\"Novo ime\"/>") << "Novo ime";
+        // clang-format on
+    }
+
+    void nameIsOneValue()
+    {
+        QFETCH(QString, change);
+        QFETCH(QString, file);
+        QFETCH(QString, name);
+        const QString nameTag = QString::fromUtf16(CatalogItemNameTag);
+        CCatalog catalog;
+        QVERIFY2(catalog.ParseXML(QStringLiteral("<catalog ref=\"N\">%1</catalog>").arg(file)),
+                 qPrintable(catalog.ParseError()));
+        auto item = catalog.GetItembyGuid(QStringLiteral("{N1}"));
+        if (change == u"SetName")
+            item->SetName(name);
+        else if (change == u"property")
+            item->GetProperty(nameTag)->SetValue(CDataBox::fromString(name));
+
+        // The name as every part of the library sees it.
+        const auto check = [&](CCatalogItem& it, const char* where) {
+            QVERIFY2(it.GetName() == name, where);
+            if (auto property = it.GetProperty(nameTag))
+                QVERIFY2(property->GetValue().ToString() == name, where);
+        };
+        check(*item, "edited");
+        const QByteArray saved = catalog.GetXMLBytes();
+        QVERIFY2(!saved.contains("Staro"), saved.constData());
+        CCatalog reloaded;
+        QVERIFY2(reloaded.ParseXMLBytes(saved), qPrintable(reloaded.ParseError()));
+        check(*reloaded.GetItembyGuid(QStringLiteral("{N1}")), "reloaded");
+        check(*catalog.GetFactory()->CreateItemFrom(item.get()), "copied");
+    }
+
     void flatFormWithParentGuids()
     {
         // Items may also be listed flat, each naming its parent.
