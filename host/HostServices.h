@@ -22,7 +22,8 @@ public:
     // without such a place shows the text alone (the reason is in the log).
     virtual void alertWithDetails(const QString& text, const QString& details,
                                   QWidget* parent = nullptr);
-    // A Yes/No question with the question icon; true only for Yes.
+    // A Yes/No question with the question icon; true only for Yes. No is the default
+    // button (Enter), Escape and the close box answer No.
     virtual bool askYesNo(const QString& text, const QString& caption = QString(),
                           QWidget* parent = nullptr) = 0;
     // True while Ctrl is held (the key state of VK_CONTROL).

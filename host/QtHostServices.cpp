@@ -41,7 +41,9 @@ bool QtHostServices::askYesNo(const QString& text, const QString& caption, QWidg
 {
     QMessageBox box(QMessageBox::Question, caption.isEmpty() ? defaultCaption() : caption, text,
                     QMessageBox::Yes | QMessageBox::No, parent);
-    box.setDefaultButton(QMessageBox::Yes);
+    // Enter answers No: a question may be about deleting a whole catalog, and Yes must be
+    // a deliberate choice.
+    box.setDefaultButton(QMessageBox::No);
     // Closing the box by Escape or its close box counts as No.
     box.setEscapeButton(QMessageBox::No);
     return box.exec() == QMessageBox::Yes;

@@ -2,9 +2,11 @@
 
 #include "acdocman.h"
 #include "aced.h"
+#include "acedads.h" // adsw_acadMainWnd
 #include "adslib.h"
 #include "rxregsvc.h"
 
+#include <QWidget>
 #include <string>
 
 namespace ZEVGis::Arx
@@ -80,6 +82,17 @@ void ArxHostServices::alert(const QString& text, QWidget*)
 void ArxHostServices::alertWithDetails(const QString& text, const QString&, QWidget* parent)
 {
     alert(text, parent);
+}
+
+// The host's own message box, owned by the asking window (else the host's main window).
+// MB_DEFBUTTON2 makes No the default: Enter never confirms a deletion.
+bool ArxHostServices::askYesNo(const QString& text, const QString& caption, QWidget* parent)
+{
+    HWND owner = parent ? reinterpret_cast<HWND>(parent->window()->winId()) : adsw_acadMainWnd();
+    const std::wstring title = wide(caption.isEmpty() ? defaultCaption() : caption);
+    return ::MessageBoxW(owner, wide(text).c_str(), title.c_str(),
+                         MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2)
+        == IDYES;
 }
 
 void ArxHostServices::pushResourceHandle()

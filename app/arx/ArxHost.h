@@ -33,8 +33,8 @@ private:
     int (*m_invokeHandler)() = nullptr;
 };
 
-// Host services inside the host: its alert box and its resource-handle stack; the rest as
-// in any Qt application.
+// Host services inside the host: its alert box, its message box for questions and its
+// resource-handle stack; the rest as in any Qt application.
 class ArxHostServices final : public Host::QtHostServices
 {
 public:
@@ -44,6 +44,8 @@ public:
     // The host's alert has no place for details: the text alone (the reason is in the log).
     void alertWithDetails(const QString& text, const QString& details,
                           QWidget* parent = nullptr) override;
+    bool askYesNo(const QString& text, const QString& caption = QString(),
+                  QWidget* parent = nullptr) override;
     void pushResourceHandle() override;
     void popResourceHandle() override;
 

@@ -58,14 +58,16 @@ void TestHostServices::scopesRestoreOnException()
 void TestHostServices::qtBoxes_data()
 {
     QTest::addColumn<bool>("question");
-    QTest::addColumn<int>("reply"); // a QMessageBox::StandardButton, or 0 for Escape
+    QTest::addColumn<int>("reply"); // a QMessageBox::StandardButton, or a key (Escape, Enter)
     QTest::addColumn<bool>("yes");
     QTest::addColumn<int>("icon");
 
     QTest::newRow("alert") << false << int(QMessageBox::Ok) << false << int(QMessageBox::Warning);
     QTest::newRow("Yes") << true << int(QMessageBox::Yes) << true << int(QMessageBox::Question);
     QTest::newRow("No") << true << int(QMessageBox::No) << false << int(QMessageBox::Question);
-    QTest::newRow("Escape") << true << 0 << false << int(QMessageBox::Question);
+    QTest::newRow("Escape") << true << int(Qt::Key_Escape) << false << int(QMessageBox::Question);
+    // Enter alone never answers Yes: a question may be about deleting a whole catalog.
+    QTest::newRow("Enter") << true << int(Qt::Key_Return) << false << int(QMessageBox::Question);
 }
 
 void TestHostServices::qtBoxes()
@@ -88,8 +90,8 @@ void TestHostServices::qtBoxes()
                            text = box->text();
                            caption = box->windowTitle();
                            shownIcon = box->icon();
-                           if (reply == 0)
-                               QTest::keyClick(box, Qt::Key_Escape);
+                           if (reply == Qt::Key_Escape || reply == Qt::Key_Return)
+                               QTest::keyClick(box, Qt::Key(reply));
                            else
                                box->button(QMessageBox::StandardButton(reply))->click();
                        });
