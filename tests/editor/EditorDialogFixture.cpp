@@ -191,3 +191,16 @@ QStringList EditorDialogFixture::enabledEditButtons(CCatalogEditorDlg& dlg) cons
     }
     return on;
 }
+
+void EditorDialogFixture::dragRow(QTreeWidget* tree, const QPoint& start, const QPoint& end,
+                                  bool ctrl)
+{
+    QWidget* viewport = tree->viewport();
+    QTest::mousePress(viewport, Qt::LeftButton, {}, start);
+    QMouseEvent move(QEvent::MouseMove, end, viewport->mapToGlobal(end), Qt::NoButton,
+                     Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(viewport, &move);
+    m_host.setCtrlPressed(ctrl);
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, end);
+    m_host.setCtrlPressed(false);
+}

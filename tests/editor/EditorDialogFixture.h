@@ -58,6 +58,9 @@ protected:
                                                    int showHidden = 0);
     void focusAndSelect(CCatalogEditorDlg& dlg, int treeId, const QString& path);
     QStringList enabledEditButtons(CCatalogEditorDlg& dlg) const;
+    // Drags the row at `from` with the mouse and drops it at `end` (viewport coordinates),
+    // Ctrl held at the drop when `ctrl`.
+    void dragRow(QTreeWidget* tree, const QPoint& start, const QPoint& end, bool ctrl);
 
     ZEVGis::Host::ScriptedHost m_host;
     std::unique_ptr<QTemporaryDir> m_dir;

@@ -220,14 +220,7 @@ void TestCatalogEditorCommands::dragAndDrop()
                                  : centreOf(lower, rowAt(lower, to));
     const QPoint start = centreOf(lower, rowAt(lower, from)); // after any row opened for `end`
     QCOMPARE(lower->itemAt(end) == nullptr, to == "-");
-    QWidget* viewport = lower->viewport();
-    QTest::mousePress(viewport, Qt::LeftButton, {}, start);
-    QMouseEvent move(QEvent::MouseMove, end, viewport->mapToGlobal(end), Qt::NoButton,
-                     Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(viewport, &move);
-    m_host.setCtrlPressed(ctrl);
-    QTest::mouseRelease(viewport, Qt::LeftButton, {}, end);
-    m_host.setCtrlPressed(false);
+    dragRow(lower, start, end, ctrl);
 
     QVERIFY(!lower->isDraggingItem());
     QCOMPARE(pathsOf(rowAt(lower, ""), from.section('/', -1)), where);
