@@ -1,5 +1,8 @@
 #include "app/EditorLaunch.h"
 
+#include "catalog/CatalogManager.h"
+#include "catalog/CatalogMetadata.h"
+#include "editor/CatalogComboLines.h"
 #include "editor/CatalogEditorDlg.h"
 #include "host/HostServices.h"
 
@@ -71,6 +74,23 @@ void runDialog(const QString& catalogReference, int showHiddenCatalogs)
         runner(catalogReference, showHiddenCatalogs);
     else
         runEditorDialog(catalogReference, showHiddenCatalogs);
+}
+
+QString catalogOpenedInstead(const QString& catalogReference, int showHiddenCatalogs)
+{
+    if (catalogReference.isEmpty())
+        return {};
+    std::vector<boost::shared_ptr<Data::CCatalogMetadata>> registry;
+    Data::CCatalogManager::Instance()->GetCatalogRegistry(registry);
+    // The dialog chooses from the same lines, so what it opens is the line chosen here.
+    const Editor::CatalogComboContent content =
+        Editor::BuildCatalogComboLines(registry, showHiddenCatalogs != 0, catalogReference);
+    if (content.lines.empty())
+        return {};
+    const auto& opened = content.lines[size_t(content.selected)].metadata;
+    if (opened->GetCatalogReference().compare(catalogReference, Qt::CaseInsensitive) == 0)
+        return {};
+    return QStringLiteral("%1 (%2)").arg(opened->GetCatalogReference(), opened->GetCatalogNameUI());
 }
 
 void runCatalogEditor(const QString& catalogReference, int showHiddenCatalogs)

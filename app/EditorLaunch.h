@@ -36,6 +36,11 @@ DialogRunner setDialogRunner(DialogRunner runner);
 // Runs the installed runner. The caller holds the module's resources.
 void runDialog(const QString& catalogReference, int showHiddenCatalogs);
 
+// The catalog the editor opens instead when `catalogReference` is not empty and matches no
+// catalog it offers (the first offered one, as "reference (name)"); empty when it matches
+// or nothing is offered.
+QString catalogOpenedInstead(const QString& catalogReference, int showHiddenCatalogs);
+
 // A complete launch: the module's resource handle pushed around runDialog(), popped also
 // when the dialog throws (the exception goes on to the caller).
 void runCatalogEditor(const QString& catalogReference, int showHiddenCatalogs);

@@ -116,6 +116,13 @@ int main(int argc, char* argv[])
     standalone.rememberPlacement = options.screenshot.isEmpty();
     standalone.select = options.select;
     Launch::setStandaloneOptions(standalone);
+
+    const QString instead =
+        Launch::catalogOpenedInstead(options.catalogReference, options.showHiddenCatalogs ? 1 : 0);
+    if (!instead.isEmpty())
+        print(stderr, QStringLiteral("zevxcatalogeditor: no catalog '%1'; opening %2")
+                          .arg(options.catalogReference, instead));
+
     if (!options.screenshot.isEmpty())
         return takeScreenshot(options);
     Launch::runCatalogEditor(options.catalogReference, options.showHiddenCatalogs ? 1 : 0);
