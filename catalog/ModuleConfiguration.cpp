@@ -1,11 +1,14 @@
 #include "catalog/ModuleConfiguration.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QIconEngine>
+#include <QLibraryInfo>
 #include <QLocale>
 #include <QLoggingCategory>
 #include <QPainter>
 #include <QSvgRenderer>
+#include <QTranslator>
 
 namespace ZEVGis
 {
@@ -175,7 +178,10 @@ CModuleConfiguration::CModuleConfiguration()
     : m_language(QLocale().language() == QLocale::Croatian ? kCroatian : kEnglish)
 {
     loadMessages();
+    loadQtTranslations();
 }
+
+CModuleConfiguration::~CModuleConfiguration() = default;
 
 void CModuleConfiguration::SetLanguage(const QString& language)
 {
@@ -183,10 +189,37 @@ void CModuleConfiguration::SetLanguage(const QString& language)
     const QString chosen = normalized == kCroatian ? kCroatian : kEnglish;
     if (!normalized.isEmpty() && normalized != chosen)
         qCWarning(lcConfig) << "unknown language" << language << "- using English";
-    if (chosen == m_language && !m_messages.isEmpty())
+    const QLocale::Language spoken = chosen == kCroatian ? QLocale::Croatian : QLocale::English;
+    if (QLocale().language() != spoken)
+        QLocale::setDefault(spoken == QLocale::Croatian ? QLocale(QLocale::Croatian, QLocale::Croatia)
+                                                        : QLocale(QLocale::English, QLocale::UnitedStates));
+    if (chosen != m_language || m_messages.isEmpty())
+    {
+        m_language = chosen;
+        loadMessages();
+    }
+    loadQtTranslations();
+}
+
+// Qt's translations come with Qt (Debian: qt6-translations-l10n); English needs none.
+void CModuleConfiguration::loadQtTranslations()
+{
+    if (!QCoreApplication::instance() || m_qtTranslatorLanguage == m_language)
         return;
-    m_language = chosen;
-    loadMessages();
+    m_qtTranslator.reset(); // a deleted translator takes itself out of the application
+    m_qtTranslatorLanguage = m_language;
+    if (m_language == kEnglish)
+        return;
+    auto translator = std::make_unique<QTranslator>();
+    const QString folder = QLibraryInfo::path(QLibraryInfo::TranslationsPath);
+    if (!translator->load(QStringLiteral("qtbase_") + m_language, folder))
+    {
+        qCWarning(lcConfig) << "Qt's own texts stay in English: no qtbase_" + m_language
+                            << "translation in" << folder;
+        return;
+    }
+    QCoreApplication::installTranslator(translator.get());
+    m_qtTranslator = std::move(translator);
 }
 
 void CModuleConfiguration::loadMessages()

@@ -4,6 +4,9 @@
 #include <QIcon>
 #include <QPixmap>
 #include <QString>
+#include <memory>
+
+class QTranslator;
 
 namespace ZEVGis
 {
@@ -22,6 +25,9 @@ public:
     static CModuleConfiguration* Instance();
 
     // "en" or "hr"; anything else falls back to English. Without a call the locale decides.
+    // Qt's own texts (standard buttons, file dialogs) follow, once an application object
+    // exists; a call also makes the language's locale the default, so numbers are written
+    // as its speakers write them.
     void SetLanguage(const QString& language);
     QString Language() const { return m_language; }
 
@@ -36,10 +42,14 @@ public:
 
 private:
     CModuleConfiguration();
+    ~CModuleConfiguration();
     void loadMessages();
+    void loadQtTranslations();
 
     QString m_language;
     QHash<unsigned, QString> m_messages;
+    std::unique_ptr<QTranslator> m_qtTranslator;
+    QString m_qtTranslatorLanguage;
 };
 
 } // namespace ZEVGis

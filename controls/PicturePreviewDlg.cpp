@@ -7,7 +7,7 @@
 #include "controls/PictureBox.h"
 #include "host/HostServices.h"
 
-#include <QHBoxLayout>
+#include <QDialogButtonBox>
 #include <QPushButton>
 #include <QShowEvent>
 #include <QVBoxLayout>
@@ -23,17 +23,16 @@ CPicturePreviewDlg::CPicturePreviewDlg(QWidget* parent) : QDialog(parent)
     setControlId(m_picture, IDC_PICTURE);
     m_picture->setMinimumSize(64, 64);
 
-    m_close = new QPushButton(QStringLiteral("Close"), this);
+    // Qt's standard Close button: its text comes with Qt's translations ("Zatvori").
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
+    m_close = buttons->button(QDialogButtonBox::Close);
     setControlId(m_close, IDCANCEL);
     m_close->setDefault(true);
-    connect(m_close, &QPushButton::clicked, this, &QDialog::reject);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(m_close);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_picture, 1);
-    layout->addLayout(buttons);
+    layout->addWidget(buttons);
 
     resize(320, 300);
 }

@@ -123,6 +123,22 @@ private slots:
         }
     }
 
+    // The Close button is Qt's own, in the user's language.
+    void previewCloseButtonTranslated()
+    {
+        const QString before = ZEVGis::CModuleConfiguration::Instance()->Language();
+        QStringList texts;
+        for (const char* language : {"hr", "en"})
+        {
+            ZEVGis::CModuleConfiguration::Instance()->SetLanguage(QString::fromLatin1(language));
+            CPicturePreviewDlg dialog;
+            auto* close = qobject_cast<QPushButton*>(findControlById(&dialog, 2));
+            texts << (close ? close->text() : QString());
+        }
+        ZEVGis::CModuleConfiguration::Instance()->SetLanguage(before);
+        QCOMPARE(texts, QStringList({"Zatvori", "Close"}));
+    }
+
     void previewDialog_data()
     {
         QTest::addColumn<bool>("withCatalog");

@@ -1,6 +1,7 @@
 #include "catalog/LogEngine.h"
 #include "catalog/ModuleConfiguration.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
@@ -20,7 +21,7 @@ namespace
 const QList<unsigned> kUsedMessages = {60,   67,   214,  250,  350,  362,   536,   1620,  4054,
                                        4880, 6534, 6535, 6536, 6537, 6538,  6539,  6540,  6541,
                                        6542, 7282, 7283, 7284, 7446, 7447,  7661,  8080,  8530,
-                                       8531, 8803, 9079, 9490, 9491, 10276, 10769, 50005, 61057};
+                                       8531, 8803, 9079, 9490, 9491, 10276, 10769, 50005, 61057, 70000};
 
 // Every icon and bitmap name the dialogs load.
 // clang-format off
@@ -71,6 +72,7 @@ void TestServices::languageFollowsLocaleWithoutACall()
     QLocale::setDefault(QLocale(QLocale::Croatian, QLocale::Croatia));
     QCOMPARE(config()->Language(), QStringLiteral("hr"));
     QCOMPARE(config()->GetMsg(67), QStringLiteral("Odustani"));
+    QCOMPARE(QCoreApplication::translate("QPlatformTheme", "Cancel"), QStringLiteral("Odustani"));
     QLocale::setDefault(previous);
 }
 
@@ -100,14 +102,22 @@ void TestServices::languageSwitching()
 {
     // From the other language each time, so that every request really switches; case and
     // blanks are ignored, an unknown language falls back to English with a warning.
+    // Qt's own texts (a message box's Yes, a file dialog's label) and the decimal separator
+    // follow the language too.
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("unknown language")));
-    for (const auto& [from, requested, expected, okText] : QList<std::array<const char*, 4>>{
-             {"hr", "en", "en", "OK"}, {"en", " HR ", "hr", "U redu"}, {"hr", "de", "en", "OK"}})
+    for (const auto& [from, requested, expected, okText, yes, lookIn, point] :
+         QList<std::array<const char*, 7>>{
+             {"hr", "en", "en", "OK", "&Yes", "Look in:", "."},
+             {"en", " HR ", "hr", "U redu", "&Da", "Pogledaj u:", ","},
+             {"hr", "de", "en", "OK", "&Yes", "Look in:", "."}})
     {
         config()->SetLanguage(QString::fromLatin1(from));
         config()->SetLanguage(QString::fromLatin1(requested));
         QCOMPARE(config()->Language(), QString::fromLatin1(expected));
         QCOMPARE(config()->GetMsg(60), QString::fromUtf8(okText));
+        QCOMPARE(QCoreApplication::translate("QPlatformTheme", "&Yes"), QString::fromUtf8(yes));
+        QCOMPARE(QCoreApplication::translate("QFileDialog", "Look in:"), QString::fromUtf8(lookIn));
+        QCOMPARE(QLocale().decimalPoint(), QString::fromLatin1(point));
         // An unknown number shows a placeholder in every language, never an empty text.
         for (unsigned id : {0u, 12345u, 4294967295u})
             QCOMPARE(config()->GetMsg(id), QStringLiteral("[message %1]").arg(id));
