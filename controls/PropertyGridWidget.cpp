@@ -1,6 +1,7 @@
 #include "controls/PropertyGridWidget.h"
 
 #include "catalog/DataBox.h"
+#include "catalog/ModuleConfiguration.h"
 #include "controls/PropertyGridDelegate.h"
 #include "controls/PropertyGridModel.h"
 
@@ -37,6 +38,35 @@ PropertyGridView::PropertyGridView(QWidget* parent) : QTreeView(parent)
                     QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
     header()->hide();
     header()->setStretchLastSection(true);
+}
+
+namespace
+{
+// What the grid says while it shows nothing.
+QString nothingSelectedHint()
+{
+    return ZEVGis::CModuleConfiguration::Instance()->GetMsg(70000);
+}
+} // namespace
+
+void PropertyGridView::setHint(const QString& hint)
+{
+    if (m_hint == hint)
+        return;
+    m_hint = hint;
+    viewport()->update();
+}
+
+void PropertyGridView::paintEvent(QPaintEvent* event)
+{
+    QTreeView::paintEvent(event);
+    if (m_hint.isEmpty() || (model() && model()->rowCount() > 0))
+        return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    const int margin = fontMetrics().height();
+    painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, m_hint);
 }
 
 PropertyGridModel* PropertyGridView::gridModel() const
@@ -188,6 +218,7 @@ PropertyGridWidget::PropertyGridWidget(QWidget* parent) : QWidget(parent)
     m_view = new PropertyGridView(this);
     m_view->setModel(m_model);
     m_view->setItemDelegate(m_delegate);
+    m_view->setHint(nothingSelectedHint());
 
     m_toolBar = new QToolBar(this);
     m_toolBar->setIconSize(QSize(16, 16));
@@ -232,6 +263,7 @@ void PropertyGridWidget::setProperties(boost::shared_ptr<ZEVGis::Data::CProperti
     const QString selectedTag = keepSelection && selected ? selected->GetTag() : QString();
     m_view->cancelEditing();
     notifySelection(nullptr);
+    m_view->setHint(properties ? QString() : nothingSelectedHint());
     m_model->setProperties(std::move(properties));
     if (expandAll)
         m_view->expandAll();

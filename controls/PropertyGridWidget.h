@@ -27,6 +27,9 @@ public:
     void fitToRows();
     // True while an in-place editor is open.
     bool isEditing() const { return state() == QAbstractItemView::EditingState; }
+    // Drawn in place of the rows while there are none (empty: nothing drawn).
+    void setHint(const QString& hint);
+    QString hint() const { return m_hint; }
 
 protected:
     bool event(QEvent* event) override;
@@ -36,11 +39,14 @@ protected:
     void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
     PropertyGridModel* gridModel() const;
     bool toggleBoolean(const QModelIndex& valueIndex);
+
+    QString m_hint;
 };
 
 // The property grid widget: an optional tool bar (categorized or alphabetical order) above
@@ -52,8 +58,9 @@ public:
     explicit PropertyGridWidget(QWidget* parent = nullptr);
     ~PropertyGridWidget() override;
 
-    // Shows `properties` (null: nothing). `expandAll` opens every category; `keepSelection`
-    // selects the row with the tag selected before, when there is one.
+    // Shows `properties` (null: nothing, and a hint to select something instead).
+    // `expandAll` opens every category; `keepSelection` selects the row with the tag
+    // selected before, when there is one.
     void setProperties(boost::shared_ptr<ZEVGis::Data::CPropertiesEx> properties, bool expandAll,
                        bool keepSelection);
     void clear();

@@ -15,7 +15,7 @@ int clampDoublePrecision(int digits)
 namespace
 {
 
-bool readDouble(const QString& input, double& value)
+bool readDouble(const QString& input, double& value, const QLocale& locale)
 {
     QLocale c = QLocale::c();
     c.setNumberOptions(QLocale::RejectGroupSeparator);
@@ -27,6 +27,12 @@ bool readDouble(const QString& input, double& value)
         text.replace(u',', u'.');
         v = c.toDouble(text, &ok);
     }
+    if (!ok)
+    {
+        QLocale own = locale;
+        own.setNumberOptions(QLocale::RejectGroupSeparator);
+        v = own.toDouble(input.trimmed(), &ok);
+    }
     if (!ok || !std::isfinite(v))
         return false;
     value = v;
@@ -35,18 +41,33 @@ bool readDouble(const QString& input, double& value)
 
 } // namespace
 
-QString formatPropertyValue(const CDataBox& value, int precision)
+QString formatPropertyValue(const CDataBox& value, int precision, const QLocale& locale)
 {
     if (value.GetType() != DataType::Double)
         return value.ToString();
     double v = 0;
-    if (!readDouble(value.ToString(), v))
+    if (!readDouble(value.ToString(), v, QLocale::c()))
         return value.ToString();
-    return QLocale::c().toString(v, 'f', clampDoublePrecision(precision));
+    QLocale shown = locale;
+    shown.setNumberOptions(QLocale::OmitGroupSeparator);
+    QString text = shown.toString(v, 'f', clampDoublePrecision(precision));
+    const QString point = shown.decimalPoint();
+    const QString zero = shown.zeroDigit();
+    if (text.contains(point))
+    {
+        while (text.endsWith(zero))
+            text.chop(zero.size());
+        if (text.endsWith(point))
+            text.chop(point.size());
+    }
+    // A tiny negative number rounds to zero, which has no sign.
+    if (text == shown.negativeSign() + zero)
+        text = zero;
+    return text;
 }
 
 bool parsePropertyValue(DataType type, const QString& input, const QStringList& choices,
-                        CDataBox& out)
+                        CDataBox& out, const QLocale& locale)
 {
     switch (type)
     {
@@ -65,7 +86,7 @@ bool parsePropertyValue(DataType type, const QString& input, const QStringList& 
     case DataType::Double:
     {
         double v = 0;
-        if (!readDouble(input, v))
+        if (!readDouble(input, v, locale))
             return false;
         out = CDataBox::fromDouble(v);
         return true;

@@ -1,3 +1,4 @@
+#include "catalog/ModuleConfiguration.h"
 #include "catalog/PropertiesEx.h"
 #include "controls/ControlId.h"
 #include "controls/PropertyExGridCtrl.h"
@@ -48,6 +49,11 @@ boost::shared_ptr<CPropertiesEx> sampleProperties()
     properties->AddCategory(other);
     properties->AddCategory(boost::make_shared<CCategory>(QStringLiteral("Empty")));
     return properties;
+}
+
+QLocale english()
+{
+    return QLocale(QLocale::English, QLocale::UnitedStates);
 }
 
 QStringList captions(const QAbstractItemModel* model, const QModelIndex& parent = {})
@@ -142,6 +148,8 @@ class TestPropertyGrid : public QObject
     Q_OBJECT
 
 private slots:
+    // The grid writes numbers in the default locale's way; the tests choose it themselves.
+    void initTestCase() { QLocale::setDefault(english()); }
     void init() { QTest::failOnWarning(QRegularExpression("^(?!This plugin does not support).*")); }
 
     // Typed text read back as a value (accepted or refused, stored form), and how the same
@@ -161,7 +169,7 @@ private slots:
         QTest::newRow("int fraction")    << i << "1.5"                  << ""                     << "1.5";
         QTest::newRow("double rounded")  << d << "1.23456789"           << "1.23456789"           << "1.23";
         QTest::newRow("double comma")    << d << "2,255"                << "2.255"                << "2.25";
-        QTest::newRow("double exponent") << d << "1e6"                  << "1e+06"                << "1000000.00";
+        QTest::newRow("double exponent") << d << "1e6"                  << "1e+06"                << "1000000";
         QTest::newRow("double grouped")  << d << "1,000.5"              << ""                     << "1,000.5";
         QTest::newRow("double infinite") << d << "1e400"                << ""                     << "1e400";
         QTest::newRow("double nan")      << d << "nan"                  << ""                     << "nan";
@@ -183,7 +191,94 @@ private slots:
         QCOMPARE(out.ToString(), stored.isEmpty() ? QStringLiteral("untouched") : stored);
         if (!stored.isEmpty())
             QCOMPARE(int(out.GetType()), type);
-        QCOMPARE(formatPropertyValue(CDataBox(DataType(type), input), 2), shown);
+        QCOMPARE(formatPropertyValue(CDataBox(DataType(type), input), 2, english()), shown);
+    }
+
+    // Doubles as stored, shown with at most `precision` decimals in the user's way.
+    void doublesShown_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<int>("precision");
+        QTest::addColumn<QString>("english");
+        QTest::addColumn<QString>("croatian");
+        // clang-format off
+        QTest::newRow("whole number")      << "240"        << 6 << "240"      << "240";
+        QTest::newRow("one decimal")       << "185.5"      << 6 << "185.5"    << "185,5";
+        QTest::newRow("rounded to six")    << "1.23456789" << 6 << "1.234568" << "1,234568";
+        // Croatian writes its minus sign as U+2212, and reads it back.
+        QTest::newRow("negative")          << "-3.75"      << 6 << "-3.75"    << "\u22123,75";
+        QTest::newRow("no group digits")   << "1234567.25" << 6 << "1234567.25" << "1234567,25";
+        QTest::newRow("rounds to nothing") << "-1e-7"      << 6 << "0"        << "0";
+        QTest::newRow("rounds up")         << "0.9999999"  << 6 << "1"        << "1";
+        QTest::newRow("precision 1")       << "2.25"       << 1 << "2.3"      << "2,3";
+        QTest::newRow("precision 0")       << "2.75"       << 0 << "3"        << "3";
+        QTest::newRow("not a number")      << "abc"        << 6 << "abc"      << "abc";
+        // clang-format on
+    }
+    void doublesShown()
+    {
+        QFETCH(QString, stored);
+        QFETCH(int, precision);
+        QFETCH(QString, english);
+        QFETCH(QString, croatian);
+        const CDataBox value(DataType::Double, stored);
+        QCOMPARE(formatPropertyValue(value, precision, ::english()), english);
+        QCOMPARE(formatPropertyValue(value, precision, QLocale(QLocale::Croatian, QLocale::Croatia)),
+                 croatian);
+        // What is shown reads back as the same number, whatever the shown text's locale
+        // (the shown text is exactly what the grid's editor starts with).
+        CDataBox read;
+        if (stored != u"abc" && precision == 6 && !stored.contains(u'e') && stored.size() < 9)
+        {
+            QVERIFY(parsePropertyValue(DataType::Double, croatian, {}, read));
+            QCOMPARE(read.ToDouble(), value.ToDouble());
+        }
+    }
+
+    // Under a Croatian locale the grid shows decimal commas; the stored value keeps every
+    // digit until the user types another number, which is stored in the catalog's form.
+    void croatianGridKeepsStoredValue()
+    {
+        QLocale::setDefault(QLocale(QLocale::Croatian, QLocale::Croatia));
+        Fixture f;
+        const bool started = f.start();
+        const QString shown = f.value("LENGTH").data().toString();
+        f.select("LENGTH");
+        play("F2|Enter");
+        const QString kept = f.find("LENGTH")->GetValue().ToString();
+        play("F2|type:2,75|Enter");
+        QLocale::setDefault(english());
+        QVERIFY(started);
+        QCOMPARE(shown, "1,234568");
+        QCOMPARE(kept, "1.23456789");
+        QCOMPARE(f.find("LENGTH")->GetValue().ToString(), "2.75");
+        QCOMPARE(f.recorder.updated, QStringList{"LENGTH=2.75"});
+    }
+
+    // With nothing to show the grid says what to do instead of staying a blank box; a
+    // shown set of properties, even an empty one, takes the hint away.
+    void hintWhenNothingShown()
+    {
+        Fixture f;
+        QVERIFY(f.start());
+        const auto inkOf = [&f] {
+            const QImage image = f.view()->viewport()->grab().toImage();
+            const QRgb base = image.pixel(image.width() - 2, image.height() - 2);
+            int ink = 0;
+            for (int y = 0; y < image.height(); ++y)
+                for (int x = 0; x < image.width(); ++x)
+                    ink += image.pixel(x, y) != base ? 1 : 0;
+            return ink;
+        };
+        QVERIFY(f.view()->hint().isEmpty());
+        f.grid.ClearGrid();
+        QCOMPARE(f.view()->hint(), ZEVGis::CModuleConfiguration::Instance()->GetMsg(70000));
+        QVERIFY2(inkOf() > 50, "the hint is not drawn");
+        f.grid.SetDataToShow(boost::make_shared<CPropertiesEx>(), 1, 0);
+        QVERIFY(f.view()->hint().isEmpty());
+        QCOMPARE(inkOf(), 0);
+        f.grid.SetDataToShow({}, 1, 0);
+        QVERIFY(!f.view()->hint().isEmpty());
     }
 
     void modelRowsAndOrder()
