@@ -1,11 +1,14 @@
 #include "tests/editor/EditorDialogFixture.h"
 
+#include "controls/PropertyGridModel.h"
+#include "controls/PropertyGridWidget.h"
 #include "editor/CatalogEditorIds.h"
 #include "editor/CatalogTreeWidget.h"
 #include "tests/editor/CatalogBuilder.h"
 #include "tests/support/FindControl.h"
 
 #include <QAbstractButton>
+#include <QLineEdit>
 #include <QtTest>
 #include <boost/make_shared.hpp>
 
@@ -203,4 +206,20 @@ void EditorDialogFixture::dragRow(QTreeWidget* tree, const QPoint& start, const 
     m_host.setCtrlPressed(ctrl);
     QTest::mouseRelease(viewport, Qt::LeftButton, {}, end);
     m_host.setCtrlPressed(false);
+}
+
+void EditorDialogFixture::editInGrid(CCatalogEditorDlg& dlg, const QString& tag, const QString& text)
+{
+    auto* grid = findControl<PropertyGridWidget>(&dlg, Ids::Grid);
+    const QModelIndex index = grid->model()->indexOfTag(tag);
+    QVERIFY(index.isValid());
+    grid->view()->setFocus();
+    grid->view()->setCurrentIndex(index);
+    QTest::keyClick(grid->view(), Qt::Key_F2);
+    auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    QVERIFY(editor);
+    editor->selectAll();
+    QTest::keyClicks(editor, text);
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCoreApplication::processEvents();
 }

@@ -61,6 +61,8 @@ protected:
     // Drags the row at `from` with the mouse and drops it at `end` (viewport coordinates),
     // Ctrl held at the drop when `ctrl`.
     void dragRow(QTreeWidget* tree, const QPoint& start, const QPoint& end, bool ctrl);
+    // Types `text` into the grid's editor of the property with `tag` and presses Enter.
+    void editInGrid(CCatalogEditorDlg& dlg, const QString& tag, const QString& text);
 
     ZEVGis::Host::ScriptedHost m_host;
     std::unique_ptr<QTemporaryDir> m_dir;

@@ -268,20 +268,7 @@ void TestCatalogEditorDlg::gridEditReachesItemAndNameRenamesRow()
     auto* grid = findControl<PropertyGridWidget>(dlg.get(), Ids::Grid);
     auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
 
-    // Types a value into the grid's editor of the property with `tag`.
-    auto edit = [&](const QString& tag, const QString& text) {
-        const QModelIndex index = grid->model()->indexOfTag(tag);
-        QVERIFY(index.isValid());
-        grid->view()->setFocus();
-        grid->view()->setCurrentIndex(index);
-        QTest::keyClick(grid->view(), Qt::Key_F2);
-        auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
-        QVERIFY(editor);
-        editor->selectAll();
-        QTest::keyClicks(editor, text);
-        QTest::keyClick(editor, Qt::Key_Return);
-        QCoreApplication::processEvents();
-    };
+    auto edit = [&](const QString& tag, const QString& text) { editInGrid(*dlg, tag, text); };
 
     edit("CROSS_SECTION", "35");
     QCOMPARE(item->GetProperty("CROSS_SECTION")->GetValue().ToString(), QString("35"));

@@ -1,15 +1,12 @@
 // A name typed into the grid's "CATALOGITEM_NAME" row is the item's name for everything the
 // editor does afterwards: trees filled again, sorting by name, the saved file.
 #include "catalog/CatalogManager.h"
-#include "controls/PropertyGridModel.h"
-#include "controls/PropertyGridWidget.h"
 #include "editor/CatalogEditorIds.h"
 #include "editor/CatalogTreeWidget.h"
 #include "tests/editor/EditorDialogFixture.h"
 #include "tests/support/FindControl.h"
 
 #include <QAbstractButton>
-#include <QLineEdit>
 #include <QtTest>
 
 using namespace ZEVGis;
@@ -29,26 +26,7 @@ class TestEditorNames : public EditorDialogFixture
 private slots:
     void gridNameRoundTrip_data();
     void gridNameRoundTrip();
-
-private:
-    void renameInGrid(CCatalogEditorDlg& dlg, const QString& text);
 };
-
-void TestEditorNames::renameInGrid(CCatalogEditorDlg& dlg, const QString& text)
-{
-    auto* grid = findControl<PropertyGridWidget>(&dlg, Ids::Grid);
-    const QModelIndex index = grid->model()->indexOfTag(QStringLiteral("CATALOGITEM_NAME"));
-    QVERIFY(index.isValid());
-    grid->view()->setFocus();
-    grid->view()->setCurrentIndex(index);
-    QTest::keyClick(grid->view(), Qt::Key_F2);
-    auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
-    QVERIFY(editor);
-    editor->selectAll();
-    QTest::keyClicks(editor, text);
-    QTest::keyClick(editor, Qt::Key_Return);
-    QCoreApplication::processEvents();
-}
 
 void TestEditorNames::gridNameRoundTrip_data()
 {
@@ -76,7 +54,7 @@ void TestEditorNames::gridNameRoundTrip()
     writeDefaultStore();
     auto dlg = openDialog("CABLES");
     focusAndSelect(*dlg, tree, "Low voltage/" + OldName);
-    renameInGrid(*dlg, NewName);
+    editInGrid(*dlg, QStringLiteral("CATALOGITEM_NAME"), NewName);
     auto* lower = findControl<QTreeWidget>(dlg.get(), Ids::CatalogTree);
     const bool ascending = CCatalogEditorDlg::NextSortAscending();
 
