@@ -3,6 +3,7 @@
 
 #include "catalog/ModuleConfiguration.h"
 #include "controls/ControlId.h"
+#include "controls/DialogUnits.h"
 #include "controls/PictureBox.h"
 #include "controls/ResizeAnchors.h"
 #include "controls/SplitterControl.h"
@@ -27,20 +28,9 @@ namespace
 {
 
 // The dialog template measures 670 x 434 dialog units; at its initial size the dialog fills
-// its minimum tracking size.
-constexpr int TemplateWidth = 670;
-constexpr int TemplateHeight = 434;
+// its minimum tracking size (the scale of controls/DialogUnits.h).
 constexpr int MinimumWidth = 1013;
 constexpr int MinimumHeight = 735;
-
-QRect FromDialogUnits(int x, int y, int w, int h)
-{
-    const double sx = double(MinimumWidth) / TemplateWidth;
-    const double sy = double(MinimumHeight) / TemplateHeight;
-    const int left = int(x * sx + 0.5);
-    const int top = int(y * sy + 0.5);
-    return QRect(left, top, int((x + w) * sx + 0.5) - left, int((y + h) * sy + 0.5) - top);
-}
 
 struct Placement
 {
@@ -161,7 +151,7 @@ void CCatalogEditorDlg::PlaceControls()
     for (const Placement& p : TemplatePlacements)
     {
         if (QWidget* control = findControlById(this, p.id))
-            control->setGeometry(FromDialogUnits(p.x, p.y, p.w, p.h));
+            control->setGeometry(DialogUnitsToPixels(p.x, p.y, p.w, p.h));
     }
     // A combo box keeps its own height; the anchors move only the extent of its list.
     for (QComboBox* combo : {m_catalogCombo, m_templateCombo})
