@@ -32,14 +32,8 @@ namespace
 constexpr int MinimumWidth = 1013;
 constexpr int MinimumHeight = 735;
 
-struct Placement
-{
-    int id;
-    int x, y, w, h; // dialog units
-};
-
 // Positions of template 102.
-constexpr Placement TemplatePlacements[] = {
+constexpr TemplatePlacement TemplatePlacements[] = {
     {Ids::CatalogCombo, 7, 7, 216, 14},     {Ids::DrawingCaption, 7, 25, 216, 10},
     {Ids::DrawingTree, 7, 36, 216, 150},    {Ids::BtnAddToApp, 7, 189, 216, 16},
     {Ids::Splitter, 7, 207, 216, 3},        {Ids::CatalogTree, 7, 212, 216, 162},
@@ -148,11 +142,7 @@ void CCatalogEditorDlg::PlaceControls()
 {
     resize(MinimumWidth, MinimumHeight);
     setMinimumSize(MinimumWidth, MinimumHeight);
-    for (const Placement& p : TemplatePlacements)
-    {
-        if (QWidget* control = findControlById(this, p.id))
-            control->setGeometry(DialogUnitsToPixels(p.x, p.y, p.w, p.h));
-    }
+    PlaceTemplateControls(this, TemplatePlacements);
     // A combo box keeps its own height; the anchors move only the extent of its list.
     for (QComboBox* combo : {m_catalogCombo, m_templateCombo})
         combo->setMaximumHeight(combo->height());

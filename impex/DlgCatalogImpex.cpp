@@ -31,15 +31,9 @@ namespace
 constexpr int TemplateWidth = 439;
 constexpr int TemplateHeight = 329;
 
-struct Placement
-{
-    int id;
-    int x, y, w, h; // dialog units
-};
-
 // The file radio is wider than the template's (106 units instead of 72) and the path starts
 // after it: its text, "External XML file" or "Vanjska XML datoteka", is longer.
-constexpr Placement TemplatePlacements[] = {
+constexpr TemplatePlacement TemplatePlacements[] = {
     {Ids::ModeGroupBox, 7, 3, 425, 46},     {Ids::RadioFile, 17, 16, 106, 10},
     {Ids::RadioRepository, 17, 33, 110, 10}, {Ids::EditPath, 125, 15, 279, 12},
     {Ids::BtnBrowse, 407, 13, 18, 16},      {Ids::LocalCaption, 7, 51, 176, 8},
@@ -158,9 +152,7 @@ void CDlgCatalogImpex::CreateControls()
 
     resize(DialogUnitsToPixels(0, 0, TemplateWidth, TemplateHeight).size());
     setMinimumSize(size());
-    for (const Placement& p : TemplatePlacements)
-        if (QWidget* control = findControlById(this, p.id))
-            control->setGeometry(DialogUnitsToPixels(p.x, p.y, p.w, p.h));
+    PlaceTemplateControls(this, TemplatePlacements);
     SetUpResizing();
     SetTabOrder();
     ConnectControls();
