@@ -9,6 +9,7 @@
 #include "impex/ImpexIds.h"
 #include "tests/editor/CatalogBuilder.h"
 #include "tests/editor/EditorDialogFixture.h"
+#include "tests/impex/ImpexDialogDriver.h"
 #include "tests/support/FindControl.h"
 #include "xml/XmlDocument.h"
 
@@ -31,26 +32,6 @@ namespace
 QString Msg(unsigned id)
 {
     return CModuleConfiguration::Instance()->GetMsg(id);
-}
-
-CClrTreeCtrl* Tree(QWidget* dlg, int id)
-{
-    return findControl<CClrTreeCtrl>(dlg, id);
-}
-
-void Click(QWidget* dlg, int id)
-{
-    auto* button = findControl<QAbstractButton>(dlg, id);
-    QVERIFY2(button, qPrintable(QString::number(id)));
-    button->click();
-}
-
-void Select(QWidget* dlg, int treeId, const QString& path)
-{
-    CClrTreeCtrl* tree = Tree(dlg, treeId);
-    QTreeWidgetItem* row = rowAt(tree, path);
-    QVERIFY2(row, qPrintable(path));
-    tree->setCurrentItem(row);
 }
 
 int ImageOf(QTreeWidgetItem* row)

@@ -9,6 +9,7 @@
 #include "repository/RepositoryStorageManager.h"
 #include "tests/editor/CatalogBuilder.h"
 #include "tests/editor/EditorDialogFixture.h"
+#include "tests/impex/ImpexDialogDriver.h"
 #include "tests/impex/RecordingRepository.h"
 #include "tests/repository/RepositoryTestSupport.h"
 #include "tests/support/FindControl.h"
@@ -28,25 +29,6 @@ namespace Ids = ZEVGis::Impex::Ids;
 
 namespace
 {
-
-CClrTreeCtrl* Tree(QWidget* dlg, int id)
-{
-    return findControl<CClrTreeCtrl>(dlg, id);
-}
-
-void Click(QWidget* dlg, int id)
-{
-    auto* button = findControl<QAbstractButton>(dlg, id);
-    QVERIFY2(button, qPrintable(QString::number(id)));
-    button->click();
-}
-
-void Select(QWidget* dlg, int treeId, const QString& path)
-{
-    QTreeWidgetItem* row = rowAt(Tree(dlg, treeId), path);
-    QVERIFY2(row, qPrintable(path));
-    Tree(dlg, treeId)->setCurrentItem(row);
-}
 
 QStringList Paths(QWidget* dlg, int treeId)
 {
