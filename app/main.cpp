@@ -8,9 +8,7 @@
 #include "editor/CatalogEditorDlg.h"
 #include "host/HostServices.h"
 #include "host/QtHostServices.h"
-#ifdef ZEVX_WITH_REPOSITORY
 #include "repository/RepositoryStorageManager.h"
-#endif
 
 #include <QApplication>
 #include <QDir>
@@ -38,10 +36,8 @@ void print(FILE* stream, const QString& text)
 void configure(const Program::ProgramOptions& options)
 {
     Data::CCatalogManager::Instance()->Configure(options.catalogsFolder, options.drawing);
-#ifdef ZEVX_WITH_REPOSITORY
     if (!options.repository.isEmpty())
         Repository::CRepositoryStorageManager::Instance()->Configure(options.repository);
-#endif
     if (!options.language.isEmpty())
         CModuleConfiguration::Instance()->SetLanguage(options.language);
 }

@@ -4,9 +4,7 @@
 #include "catalog/CatalogManager.h"
 #include "tools/CatalogCommands.h"
 #include "tools/ImpexCommands.h"
-#ifdef ZEVX_WITH_REPOSITORY
 #include "tools/RepositoryCommands.h"
-#endif
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
@@ -135,7 +133,6 @@ int main(int argc, char* argv[])
         return ZevxTool::exportEntries(words[0], words[1], words.mid(2), out, err);
     if (command == u"import" && words.size() >= 2)
         return ZevxTool::importEntries(words[0], words[1], words.mid(2), dryRun, out, err);
-#ifdef ZEVX_WITH_REPOSITORY
     if (command == u"repo") {
         const QString why = ZevxTool::repositoryUsageError(words);
         if (!why.isEmpty()) {
@@ -144,9 +141,6 @@ int main(int argc, char* argv[])
         }
         return ZevxTool::repositoryCommand(words, repository, out, err);
     }
-#else
-    Q_UNUSED(repository);
-#endif
     if (command == u"list" && words.isEmpty())
         return ZevxTool::listRegistry(out, err);
     if (command == u"show" && words.size() == 1)
