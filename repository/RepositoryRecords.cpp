@@ -84,21 +84,23 @@ std::vector<RecordRow> RecordsOf(CCatalogItem& item, bool withDescendants)
     return rows;
 }
 
-bool WriteRecords(RepositoryStore& store, const QString& catalogReference,
-                  const QString& catalogName, const std::vector<RecordRow>& records)
+bool WriteCatalogRow(RepositoryStore& store, const QString& catalogReference,
+                     const QString& catalogName)
 {
-    // The catalog's row first: every push to one catalog locks it, so two pushes of
-    // overlapping trees wait for each other instead of deadlocking.
     const bool named = !catalogName.isEmpty();
-    if (!store.exec(
-            named ? QStringLiteral(
-                        "INSERT INTO catalogs (ref, display_name) VALUES (?, ?) "
-                        "ON CONFLICT (ref) DO UPDATE SET display_name = excluded.display_name")
-                  : QStringLiteral(
-                        "INSERT INTO catalogs (ref, display_name) VALUES (?, ?) "
-                        "ON CONFLICT (ref) DO UPDATE SET display_name = catalogs.display_name"),
-            {text(catalogReference), text(named ? catalogName : catalogReference)}))
-        return false;
+    return store.exec(
+               named ? QStringLiteral(
+                           "INSERT INTO catalogs (ref, display_name) VALUES (?, ?) "
+                           "ON CONFLICT (ref) DO UPDATE SET display_name = excluded.display_name")
+                     : QStringLiteral(
+                           "INSERT INTO catalogs (ref, display_name) VALUES (?, ?) "
+                           "ON CONFLICT (ref) DO UPDATE SET display_name = catalogs.display_name"),
+               {text(catalogReference), text(named ? catalogName : catalogReference)}) != nullptr;
+}
+
+bool WriteRecords(RepositoryStore& store, const QString& catalogReference,
+                  const std::vector<RecordRow>& records)
+{
     const QString changedAt = QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs);
     const QString changedBy = store.changedBy();
     const int total = int(records.size());

@@ -28,8 +28,11 @@ struct RecordRow
 std::vector<RecordRow> RecordsOf(ZEVGis::Data::CCatalogItem& item, bool withDescendants);
 
 // The statements of each call, run inside RepositoryStore::run.
+// The catalog's row: its display name (kept when `catalogName` is empty).
+bool WriteCatalogRow(RepositoryStore& store, const QString& catalogReference,
+                     const QString& catalogName);
 bool WriteRecords(RepositoryStore& store, const QString& catalogReference,
-                  const QString& catalogName, const std::vector<RecordRow>& records);
+                  const std::vector<RecordRow>& records);
 bool ReadChildren(RepositoryStore& store, const QString& catalogReference, const QString& parentId,
                   std::vector<boost::shared_ptr<CNetCatalogueItem>>& out);
 bool ReadItem(RepositoryStore& store, const QString& catalogReference, const QString& id,

@@ -124,13 +124,13 @@ int CRepositoryStorageManager::IsRepositoryAccessible()
     return m_store && m_store->accessible() ? 1 : 0;
 }
 
-bool CRepositoryStorageManager::call(const QString& what, bool write,
+bool CRepositoryStorageManager::call(const QString& what, Unit unit,
                                      const std::function<bool()>& work)
 {
     if (!ready())
         return false;
     m_lastError.clear();
-    if (m_store->run(what, write, work))
+    if (m_store->run(what, unit, work))
         return true;
     m_lastError = m_store->lastError();
     return false;
@@ -145,7 +145,7 @@ int CRepositoryStorageManager::GetChildCatalogItems(
             ? QStringLiteral("reading the top-level records of catalog %1").arg(catalogReference)
             : QStringLiteral("reading the records under %1 in catalog %2")
                   .arg(parentId, catalogReference);
-    return call(what, false,
+    return call(what, Unit::Read,
                 [&] { return ReadChildren(*m_store, catalogReference, parentId, out); })
                ? 1
                : 0;
@@ -158,7 +158,7 @@ CRepositoryStorageManager::GetCatalogItemById(const QString& catalogReference,
     boost::shared_ptr<CCatalogItem> item;
     const QString what =
         QStringLiteral("reading record %1 of catalog %2").arg(catalogueId, catalogReference);
-    if (!call(what, false, [&] { return ReadItem(*m_store, catalogReference, catalogueId, item); }))
+    if (!call(what, Unit::Read, [&] { return ReadItem(*m_store, catalogReference, catalogueId, item); }))
         item.reset();
     return item;
 }
@@ -179,10 +179,26 @@ int CRepositoryStorageManager::AddCatalogItem(const QString& catalogReference,
     if (records.size() > 1)
         what += QStringLiteral(" with %1 descendant(s)").arg(records.size() - 1);
     what += QStringLiteral(" to catalog %1").arg(catalogReference);
-    return call(what, true,
-                [&] { return WriteRecords(*m_store, catalogReference, catalogName, records); })
-               ? 1
-               : 0;
+    if (!ready())
+        return 0;
+    // The catalog's row is the turn every multi-record send takes, so that two editors
+    // sending overlapping trees wait for each other instead of deadlocking. One record
+    // needs no turn: once the row stands it goes as a single statement, which matters
+    // when the dialog sends ten thousand items one by one.
+    const auto catalogRowStands = [&]
+    { return records.size() == 1 && m_store->catalogRowWritten(catalogReference, catalogName); };
+    // Asked again inside: a reconnection forgets which rows stand, and the catalog's row
+    // on its own does no harm.
+    const bool sent = call(what, catalogRowStands() ? Unit::Statement : Unit::Transaction,
+                           [&]
+                           {
+                               return (catalogRowStands() ||
+                                       WriteCatalogRow(*m_store, catalogReference, catalogName)) &&
+                                      WriteRecords(*m_store, catalogReference, records);
+                           });
+    if (sent)
+        m_store->noteCatalogRowWritten(catalogReference, catalogName);
+    return sent ? 1 : 0;
 }
 
 int CRepositoryStorageManager::DeleteCatalogItem(const QString& catalogReference,
@@ -190,7 +206,7 @@ int CRepositoryStorageManager::DeleteCatalogItem(const QString& catalogReference
 {
     const QString what =
         QStringLiteral("deleting record %1 of catalog %2").arg(catalogueId, catalogReference);
-    return call(what, true, [&] { return DeleteRecord(*m_store, catalogReference, catalogueId); })
+    return call(what, Unit::Statement, [&] { return DeleteRecord(*m_store, catalogReference, catalogueId); })
                ? 1
                : 0;
 }
@@ -201,7 +217,7 @@ int CRepositoryStorageManager::GetRevision(const QString& catalogReference,
     int revision = 0;
     const QString what = QStringLiteral("reading the revision of record %1 of catalog %2")
                              .arg(catalogueId, catalogReference);
-    return call(what, false,
+    return call(what, Unit::Read,
                 [&] { return ReadRevision(*m_store, catalogReference, catalogueId, revision); })
                ? revision
                : 0;

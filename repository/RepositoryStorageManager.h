@@ -13,6 +13,7 @@ namespace Repository
 {
 
 class RepositoryStore;
+enum class Unit : int;
 
 // The client of the network catalog repository that a team shares: SQLite as the embedded
 // default, PostgreSQL for a shared server, one QtSql code path for both (README,
@@ -79,9 +80,8 @@ private:
     // Configures on first use; false (LastError set) when there is no usable repository.
     bool ready();
     bool fail(const QString& line);
-    // Runs one call's work on the store (in a transaction when `write`); false, with
-    // LastError set, when it failed.
-    bool call(const QString& what, bool write, const std::function<bool()>& work);
+    // Runs one call's work on the store; false, with LastError set, when it failed.
+    bool call(const QString& what, Unit unit, const std::function<bool()>& work);
 
     std::unique_ptr<RepositoryStore> m_store;
     bool m_configured = false;

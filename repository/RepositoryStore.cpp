@@ -226,6 +226,7 @@ void RepositoryStore::close()
         qInstallMessageHandler(previousHandler);
     }
     m_queries.clear();
+    m_catalogRows.clear(); // the next connection may meet a database made anew
     if (m_db.isValid())
         m_db.close();
     m_accessible = false;
@@ -342,7 +343,20 @@ void RepositoryStore::rollback()
     query.exec(QStringLiteral("ROLLBACK")); // on a lost connection the server has done it
 }
 
-bool RepositoryStore::run(const QString& what, bool write, const std::function<bool()>& work)
+bool RepositoryStore::catalogRowWritten(const QString& reference, const QString& name) const
+{
+    const auto found = m_catalogRows.find(reference);
+    return found != m_catalogRows.end() && (name.isEmpty() || found->second == name);
+}
+
+void RepositoryStore::noteCatalogRowWritten(const QString& reference, const QString& name)
+{
+    QString& known = m_catalogRows[reference];
+    if (!name.isEmpty())
+        known = name;
+}
+
+bool RepositoryStore::run(const QString& what, Unit unit, const std::function<bool()>& work)
 {
     if (!m_accessible && !reconnect())
         return false;
@@ -352,15 +366,19 @@ bool RepositoryStore::run(const QString& what, bool write, const std::function<b
         m_failure = FailureKind::None;
         m_failureText.clear();
         m_statementsRun = 0;
-        const bool ok = write ? begin() && work() && commit() : work();
+        const bool transaction = unit == Unit::Transaction;
+        const bool ok = transaction ? begin() && work() && commit() : work();
         if (ok)
         {
-            if (!write)
+            if (!transaction)
                 finishQueries();
             return true;
         }
         const bool atFirstStatement = m_statementsRun <= 1;
-        rollback();
+        if (transaction)
+            rollback();
+        else
+            finishQueries();
         if (m_failure == FailureKind::Conflict && attempt < MaxConflictRetries)
         {
             QThread::msleep(unsigned(10 << std::min(attempt, 5)));

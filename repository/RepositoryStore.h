@@ -28,6 +28,14 @@ enum class FailureKind
     Other
 };
 
+// How RepositoryStore::run wraps a unit of work.
+enum class Unit : int
+{
+    Read,        // statements that only read
+    Statement,   // one writing statement: atomic on its own, so no BEGIN and COMMIT round trips
+    Transaction  // several writes that stand or fall together
+};
+
 // One failure line to the log and standard error (lcRepository's warning).
 void ReportRepositoryFailure(const QString& line);
 
@@ -56,18 +64,24 @@ public:
     // Who is named as the last changer of a record: the database user, else the login.
     QString changedBy() const;
 
-    // Runs `work` as one unit, in one transaction when `write`. A deadlock or
+    // Runs `work` as one unit, in one transaction when `unit` asks for it. A deadlock or
     // serialisation failure starts it again (a bounded number of times); a connection
     // that turns out dead at the first statement is reopened once. A connection lost
     // later fails the call: the server rolls the transaction back. `what` names the work
     // in the failure line.
-    bool run(const QString& what, bool write, const std::function<bool()>& work);
+    bool run(const QString& what, Unit unit, const std::function<bool()>& work);
 
     // Executes a statement (prepared once per connection) with `values` bound in order.
     // Null when it failed; the failure is noted for run().
     QSqlQuery* exec(const QString& sql, const QVariantList& values = {});
     // Ends the unit of work with `why` (a refusal, not a database error).
     bool refuse(const QString& why);
+
+    // Whether this connection has written the catalogs row of `reference` (with the display
+    // name `name`, unless `name` is empty). Rows of that table are never deleted, so while
+    // the connection lasts a single record can go without writing it again.
+    bool catalogRowWritten(const QString& reference, const QString& name) const;
+    void noteCatalogRowWritten(const QString& reference, const QString& name);
 
     // Hook for tests and progress displays: called by the records' code between batches.
     std::function<void(int done, int total)> progress;
@@ -92,6 +106,7 @@ private:
     QString m_connectionName;
     QSqlDatabase m_db;
     std::unordered_map<QString, std::unique_ptr<QSqlQuery>> m_queries;
+    std::unordered_map<QString, QString> m_catalogRows; // reference -> display name written
     bool m_accessible = false;
     int m_statementsRun = 0;
     FailureKind m_failure = FailureKind::None;

@@ -3,7 +3,8 @@
 //   BM_ExportGroup      "->" on a group of 10,000 items in file mode, then OK writing the file
 //   BM_ImportGroup      browsing to that file, then "<-" on the group into an empty catalog
 //   BM_SendGroup        "->" on the group in repository mode, the right tree reloaded after
-//                       (argument 0: SQLite, 1: the benchmark's own PostgreSQL)
+//                       (argument 0: SQLite, 1: the benchmark's own PostgreSQL);
+//                       round_trips_per_item: statements the server ran per item sent
 //   BM_FillFromRepository  the right tree filled from a repository of 10,000 records
 #include "bench/catalog/CatalogGenerator.h"
 #include "impex/DlgCatalogImpex.h"
@@ -163,10 +164,16 @@ void BM_ImportGroup(benchmark::State& state)
 
 // The client on a new empty repository of the state's back end; false (state skipped) when
 // it cannot be had.
-bool freshRepository(benchmark::State& state)
+int& repositoriesMade()
 {
     static int made = 0;
-    const QString name = QStringLiteral("impex%1").arg(++made);
+    return made;
+}
+
+// A new, empty repository for each run: "impex<n>" (an SQLite file or a PostgreSQL database).
+bool freshRepository(benchmark::State& state)
+{
+    const QString name = QStringLiteral("impex%1").arg(++repositoriesMade());
     QString url = QStringLiteral("sqlite:") + tempDir().filePath(name + ".sqlite");
     if (state.range(0) == 1)
     {
@@ -195,6 +202,7 @@ bool freshRepository(benchmark::State& state)
 void BM_SendGroup(benchmark::State& state)
 {
     const auto catalog = groupCatalog();
+    qint64 statements = 0;
     for (auto _ : state)
     {
         state.PauseTiming();
@@ -203,14 +211,20 @@ void BM_SendGroup(benchmark::State& state)
         auto dlg = openDialog(catalog, CDlgCatalogImpex::Export);
         click(dlg.get(), Ids::RadioRepository);
         selectFirstEntry(dlg.get(), Ids::TreeLocal);
+        const QString database = QStringLiteral("impex%1").arg(repositoriesMade());
+        const qint64 before = g_server ? g_server->statementsRun(database) : 0;
         state.ResumeTiming();
         click(dlg.get(), Ids::BtnAdd);
         state.PauseTiming();
+        if (g_server)
+            statements += g_server->statementsRun(database) - before;
         if (rows(dlg.get(), Ids::TreeTarget) != GroupItems + 1)
             state.SkipWithError("the send did not go through");
         dlg.reset();
         state.ResumeTiming();
     }
+    state.counters["round_trips_per_item"] =
+        double(statements) / double(qint64(GroupItems) * state.iterations());
 }
 
 void BM_FillFromRepository(benchmark::State& state)

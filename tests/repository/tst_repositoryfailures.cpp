@@ -89,6 +89,8 @@ private slots:
     void connectionRefused();
     void newerSchemaRefused_data() { addBackendRows(); }
     void newerSchemaRefused();
+    void catalogNameFollowsTheLastNamedSend_data() { addBackendRows(); }
+    void catalogNameFollowsTheLastNamedSend();
     void readOnlyUser_data() { addPostgresRow(); }
     void readOnlyUser();
     void serverStoppedMidTransfer_data() { addPostgresRow(); }
@@ -339,6 +341,41 @@ void TestRepositoryFailures::newerSchemaRefused()
     QCOMPARE(sql(backend, target, QStringLiteral("SELECT version FROM schema_version")),
              QStringLiteral("99"));
     QCOMPARE(sql(backend, target, QStringLiteral("SELECT name FROM items")), QStringLiteral("I"));
+}
+
+void TestRepositoryFailures::catalogNameFollowsTheLastNamedSend()
+{
+    REPOSITORY_SETUP(folder);
+    const QString target = backend == u"sqlite"
+                               ? folder.filePath(QStringLiteral("repository.sqlite"))
+                               : url.section(u'/', -1);
+    const auto displayName = [&]
+    { return sql(backend, target, QStringLiteral("SELECT display_name FROM catalogs")); };
+    Item group = makeItem(QStringLiteral("G"), true);
+    Item child = makeItem(QStringLiteral("C"), false, group);
+    // One record after a send that wrote the catalog's row takes a shorter way: the name
+    // must still be kept, or replaced when it changes.
+    const struct
+    {
+        Item item;
+        int flag;
+        QString name;
+        QString expected;
+    } sends[] = {
+        {child, 0, QString(), QStringLiteral("REF")},
+        {group, 1, QStringLiteral("Kabeli"), QStringLiteral("Kabeli")},
+        {child, 0, QString(), QStringLiteral("Kabeli")},
+        {child, 0, QStringLiteral("Kabeli"), QStringLiteral("Kabeli")},
+        {child, 0, QStringLiteral("Kabeli 1 kV"), QStringLiteral("Kabeli 1 kV")},
+        {group, 0, QString(), QStringLiteral("Kabeli 1 kV")},
+    };
+    for (const auto& send : sends)
+    {
+        QVERIFY2(repository->AddCatalogItem(QStringLiteral("REF"), send.name, send.item, send.flag),
+                 qPrintable(repository->LastError()));
+        QCOMPARE(displayName(), send.expected);
+    }
+    QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{C}")), 5);
 }
 
 void TestRepositoryFailures::readOnlyUser()
