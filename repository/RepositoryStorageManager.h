@@ -46,7 +46,8 @@ public:
     // Called after each batch of records an AddCatalogItem sends (records sent, records in
     // the transfer); empty to stop. For progress displays.
     void SetProgressCallback(std::function<void(int sent, int total)> callback);
-    // The record's revision: 1 after its first push, one more with every replacement; 0
+    // The record's revision: 1 after its first push, one more with every push that changed
+    // it; 0
     // when the record is not there or the repository cannot be read.
     int GetRevision(const QString& catalogReference, const QString& catalogueId);
 
@@ -64,8 +65,9 @@ public:
     // GUID); empty when the record is not there.
     boost::shared_ptr<ZEVGis::Data::CCatalogItem> GetCatalogItemById(const QString& catalogReference,
                                                                       const QString& catalogueId, int);
-    // Adds or replaces the record (its revision goes up). flag 0: the item alone; 1: the item
-    // and all its descendants, in one transaction. Non-zero when everything arrived.
+    // Adds the record, or replaces it when it differs (its revision goes up); an unchanged
+    // record is left alone. flag 0: the item alone; 1: the item and all its descendants, in
+    // one transaction. Non-zero when everything arrived.
     int AddCatalogItem(const QString& catalogReference, const QString& catalogName,
                        boost::shared_ptr<ZEVGis::Data::CCatalogItem> item, int flag);
     // Deletes the record; 0 while it still has child records. A record that is not there

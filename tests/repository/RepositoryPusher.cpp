@@ -2,6 +2,8 @@
 // these at once on overlapping groups.
 //   repository_pusher URL REF FIRST COUNT ROUNDS
 // The group "{G}" gets the sub-groups {S<FIRST>}..{S<FIRST+COUNT-1>}, each with two items.
+// Every round changes every entry (its picture names the pusher and the round): a record sent
+// unchanged is not written at all.
 // Exit 0 when every push succeeded, else 1 with the client's line on standard error.
 
 #include "tests/repository/RepositoryTestSupport.h"
@@ -31,14 +33,18 @@ int main(int argc, char** argv)
         return 1;
     }
     auto group = makeItem(QStringLiteral("G"), true);
+    std::vector<RepositoryTest::Item> entries{group};
     for (int i = first; i < first + count; ++i)
     {
         auto sub = makeItem(QStringLiteral("S%1").arg(i), true, group, i);
-        makeItem(QStringLiteral("S%1-a").arg(i), false, sub, 0);
-        makeItem(QStringLiteral("S%1-b").arg(i), false, sub, 1);
+        entries.push_back(sub);
+        entries.push_back(makeItem(QStringLiteral("S%1-a").arg(i), false, sub, 0));
+        entries.push_back(makeItem(QStringLiteral("S%1-b").arg(i), false, sub, 1));
     }
     for (int round = 0; round < rounds; ++round)
     {
+        for (const auto& entry : entries)
+            entry->SetPictureRef(QStringLiteral("pusher %1, round %2").arg(first).arg(round));
         if (!repository->AddCatalogItem(args[2], QStringLiteral("Pushed"), group, 1))
         {
             err << repository->LastError() << '\n';

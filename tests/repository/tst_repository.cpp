@@ -10,6 +10,7 @@
 #include <QSqlQuery>
 #include <QStandardPaths>
 #include <QtTest>
+#include <functional>
 
 using namespace RepositoryTest;
 using Repository::CRepositoryStorageManager;
@@ -125,18 +126,35 @@ void TestRepository::replacingBumpsTheRevision()
     REPOSITORY_SETUP(folder);
     Item group = makeItem(QStringLiteral("G"), true);
     Item child = makeItem(QStringLiteral("C"), false, group);
-    QVERIFY(repository->AddCatalogItem(QStringLiteral("REF"), QString(), group, 1));
-    QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{G}")), 1);
-    QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{C}")), 1);
-
-    child->SetName(QStringLiteral("C renamed"));
-    child->SetOrd(5);
-    QVERIFY(repository->AddCatalogItem(QStringLiteral("REF"), QString(), child, 0));
-    QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{C}")), 2);
-    QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{G}")), 1);
-    QVERIFY(repository->AddCatalogItem(QStringLiteral("REF"), QString(), group, 1));
-    QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{C}")), 3);
-    QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{G}")), 2);
+    const auto revisions = [&]
+    {
+        return QStringLiteral("G%1 C%2")
+            .arg(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{G}")))
+            .arg(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{C}")));
+    };
+    // Each step changes the items (or not), sends one of them, and names the revisions after.
+    const struct
+    {
+        std::function<void()> change;
+        Item sent;
+        int flag;
+        QString expected;
+    } steps[] = {
+        {[] {}, group, 1, QStringLiteral("G1 C1")},
+        {[] {}, group, 1, QStringLiteral("G1 C1")}, // unchanged: nothing replaced
+        {[&] { child->SetName(QStringLiteral("C renamed")); }, child, 0, QStringLiteral("G1 C2")},
+        {[&] { child->SetOrd(5); }, group, 1, QStringLiteral("G1 C3")},
+        {[&] { group->SetPictureRef(QStringLiteral("g.png")); }, group, 0, QStringLiteral("G2 C3")},
+        {[] {}, child, 0, QStringLiteral("G2 C3")},
+        {[&] { child->SetIsDefault(1); }, group, 1, QStringLiteral("G2 C4")},
+    };
+    for (const auto& step : steps)
+    {
+        step.change();
+        QVERIFY2(repository->AddCatalogItem(QStringLiteral("REF"), QString(), step.sent, step.flag),
+                 qPrintable(repository->LastError()));
+        QCOMPARE(revisions(), step.expected);
+    }
     QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{absent}")), 0);
 
     Item back = repository->GetCatalogItemById(QStringLiteral("REF"), QStringLiteral("{C}"), 1);
