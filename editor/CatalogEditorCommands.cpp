@@ -112,6 +112,9 @@ bool CCatalogEditorDlg::eventFilter(QObject* watched, QEvent* event)
     if (watched == m_filterEdit && event->type() == QEvent::KeyPress &&
         HandleFilterKey(static_cast<QKeyEvent*>(event)))
         return true;
+    if (watched == m_filterEdit && event->type() == QEvent::FocusIn)
+        for (Editor::CatalogTreeWidget* tree : {m_drawingTree, m_catalogTree})
+            m_rowFilter.prepare(*tree);
     if (watched == m_drawingTree || watched == m_catalogTree)
     {
         const bool upper = watched == m_drawingTree;

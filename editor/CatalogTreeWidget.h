@@ -37,6 +37,8 @@ public:
     Data::CCatalogItem* catalogItem() const { return m_item; }
     int imageIndex() const { return m_image; }
     void setImageIndex(int image);
+    // The row's text without a detour through QVariant.
+    const QString& label() const { return m_text; }
 
     QVariant data(int column, int role) const override;
     void setData(int column, int role, const QVariant& value) override;

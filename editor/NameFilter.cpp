@@ -1,5 +1,7 @@
 #include "editor/NameFilter.h"
 
+#include <algorithm>
+
 namespace ZEVGis::Editor
 {
 
@@ -43,6 +45,39 @@ inline bool SameLetter(char16_t inName, char16_t typed)
 
 NameFilter::NameFilter(const QString& text) : m_text(text), m_pattern(text.toLower())
 {
+    for (QChar c : m_pattern)
+        if (Unmarked(c.unicode()) != c.unicode())
+            m_plain = false;
+}
+
+QString NameFilter::fold(QStringView name)
+{
+    QString folded(name.size(), Qt::Uninitialized);
+    char16_t* out = reinterpret_cast<char16_t*>(folded.data());
+    for (qsizetype i = 0; i < name.size(); ++i)
+        out[i] = Unmarked(Lower(name[i].unicode()));
+    return folded;
+}
+
+bool NameFilter::matchesFolded(QStringView folded) const
+{
+    if (isEmpty())
+        return true;
+    // A plain letter typed matches a name's letter exactly when it is the folded letter. Names
+    // are short: a plain loop beats a search that prepares itself for every name.
+    const char16_t* pattern = reinterpret_cast<const char16_t*>(m_pattern.constData());
+    const qsizetype length = m_pattern.size();
+    const char16_t* text = folded.utf16();
+    for (qsizetype start = 0; start + length <= folded.size(); ++start)
+        if (text[start] == pattern[0] &&
+            std::equal(pattern + 1, pattern + length, text + start + 1))
+            return true;
+    return false;
+}
+
+bool NameFilter::narrows(const NameFilter& wider) const
+{
+    return !wider.isEmpty() && m_pattern.contains(wider.m_pattern, Qt::CaseSensitive);
 }
 
 qsizetype NameFilter::indexIn(QStringView name, qsizetype from) const

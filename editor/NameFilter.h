@@ -27,6 +27,18 @@ public:
     QString text() const { return m_text; }
     bool isEmpty() const { return m_pattern.isEmpty(); }
 
+    // The name as a filter compares it: lower case, Croatian letters without their marks.
+    // Kept with a row, it turns matching into one plain search.
+    static QString fold(QStringView name);
+    // Whether a folded name tells if the name matches: not when a marked letter was typed,
+    // as a marked letter matches only itself.
+    bool matchesByFold() const { return m_plain; }
+    // matches(name) for `folded` == fold(name), when matchesByFold().
+    bool matchesFolded(QStringView folded) const;
+    // Whether every name this filter matches is matched by `wider` too, as when the user
+    // types on: then only the names `wider` matched need to be asked again.
+    bool narrows(const NameFilter& wider) const;
+
     // Where the first match at or after `from` starts; -1 for none (also for an empty filter).
     qsizetype indexIn(QStringView name, qsizetype from = 0) const;
     // True for every name when the filter is empty.
@@ -37,6 +49,7 @@ public:
 private:
     QString m_text;
     QString m_pattern; // lower case
+    bool m_plain = true; // no marked Croatian letter typed: a folded name can be searched
 };
 
 // Which rows a filtered tree shows: every row that `keep` accepts, and every ancestor of

@@ -107,6 +107,8 @@ private slots:
 
     void filterMatches_data();
     void filterMatches();
+    void filterNarrows_data();
+    void filterNarrows();
     void shownRows_data();
     void shownRows();
 };
@@ -437,6 +439,33 @@ void TestEditorUndo::filterMatches()
         found << QStringLiteral("%1:%2").arg(range.start).arg(range.length);
     QCOMPARE(found.isEmpty() ? QStringLiteral("-") : found.join(QLatin1Char(' ')), ranges);
     QCOMPARE(nameFilter.matches(name), filter.isEmpty() || ranges != QLatin1String("-"));
+    // The trees ask the name folded once, whenever the text typed allows it.
+    if (nameFilter.matchesByFold())
+        QCOMPARE(nameFilter.matchesFolded(NameFilter::fold(name)), nameFilter.matches(name));
+    QCOMPARE(NameFilter::fold(name).size(), name.size());
+}
+
+void TestEditorUndo::filterNarrows_data()
+{
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<QString>("after");
+    QTest::addColumn<bool>("narrows");
+
+    QTest::newRow("a letter typed on") << "ka" << "kab" << true;
+    QTest::newRow("a letter typed in front") << "ab" << "kab" << true;
+    QTest::newRow("a case change") << "KA" << "kab" << true;
+    QTest::newRow("a marked letter typed on") << "ko" << "koč" << true;
+    QTest::newRow("a letter taken back") << "kab" << "ka" << false;
+    QTest::newRow("a letter replaced") << "kab" << "kac" << false;
+    QTest::newRow("from an empty filter") << "" << "k" << false;
+}
+
+void TestEditorUndo::filterNarrows()
+{
+    QFETCH(QString, before);
+    QFETCH(QString, after);
+    QFETCH(bool, narrows);
+    QCOMPARE(NameFilter(after).narrows(NameFilter(before)), narrows);
 }
 
 void TestEditorUndo::shownRows_data()

@@ -5,6 +5,7 @@
 #include "controls/PropertyGridModel.h"
 #include "controls/PropertyGridWidget.h"
 #include "editor/CatalogEditorIds.h"
+#include "editor/TreeRowFilter.h"
 #include "tests/editor/EditorDialogFixture.h"
 #include "tests/support/FindControl.h"
 
@@ -78,6 +79,8 @@ private slots:
 
     void filterShowsMatchesWithTheirGroups();
     void filterKeys();
+    void filterFollowsChangedRows_data();
+    void filterFollowsChangedRows();
     void rowsMadeOrRenamedWhileFilteredStayShown();
     void commandsWorkOnWhatIsShown();
 
@@ -307,6 +310,67 @@ void TestEditorUndoDialog::filterKeys()
     QTest::keyClick(field, Qt::Key_Escape);
     QVERIFY(!dlg->isVisible());
     QCOMPARE(dlg->result(), int(QDialog::Rejected));
+}
+
+void TestEditorUndoDialog::filterFollowsChangedRows_data()
+{
+    // A tree "Cable 4x16", "Cable 4x25", "Cu" holding "Cu 95" and "Cable Cu"; filtered by
+    // `first`, changed, then filtered by `second` (often typed on from `first`).
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("change");
+    QTest::addColumn<QString>("second");
+    QTest::addColumn<QString>("shown");
+
+    QTest::newRow("typed on") << "cab" << "" << "cable 4" << "Cable 4x16, Cable 4x25";
+    QTest::newRow("taken back") << "cable 4x1" << "" << "cable" << "Cable 4x16, Cable 4x25, Cu, Cable Cu";
+    QTest::newRow("renamed into a match") << "cab" << "rename Cu 95>Cable 95" << "cable" << "Cable 4x16, Cable 4x25, Cu, Cable 95, Cable Cu";
+    QTest::newRow("renamed out of one") << "cab" << "rename Cable 4x16>Wire 4x16" << "cable" << "Cable 4x25, Cu, Cable Cu";
+    QTest::newRow("row added") << "cab" << "add" << "cable" << "Cable 4x16, Cable 4x25, Cu, Cable Cu, Cable 50";
+    QTest::newRow("row removed") << "cab" << "remove Cable 4x25" << "cable" << "Cable 4x16, Cu, Cable Cu";
+}
+
+void TestEditorUndoDialog::filterFollowsChangedRows()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, change);
+    QFETCH(QString, second);
+    QFETCH(QString, shown);
+
+    QTreeWidget tree;
+    auto* root = new QTreeWidgetItem(&tree, {"Catalog"});
+    auto row = [](QTreeWidgetItem* parent, const char* name) {
+        return new QTreeWidgetItem(parent, {QString::fromLatin1(name)});
+    };
+    row(root, "Cable 4x16");
+    row(root, "Cable 4x25");
+    QTreeWidgetItem* cu = row(root, "Cu");
+    row(cu, "Cu 95");
+    row(cu, "Cable Cu");
+    tree.expandAll();
+    auto find = [&](const QString& name) {
+        return tree.findItems(name, Qt::MatchExactly | Qt::MatchRecursive).value(0);
+    };
+
+    Editor::TreeRowFilter filter;
+    filter.setFilter(Editor::NameFilter(first));
+    filter.apply(tree);
+    if (change.startsWith("rename "))
+        find(change.mid(7).section('>', 0, 0))->setText(0, change.section('>', 1));
+    else if (change == "add")
+        row(cu, "Cable 50");
+    else if (change.startsWith("remove "))
+    {
+        filter.forget(find(change.mid(7)));
+        delete find(change.mid(7));
+    }
+    filter.setFilter(Editor::NameFilter(second));
+    filter.apply(tree);
+
+    QStringList names;
+    for (QTreeWidgetItemIterator it(&tree); *it; ++it)
+        if (*it != root && Editor::TreeRowFilter::shownRowFor(*it) == *it)
+            names << (*it)->text(0);
+    QCOMPARE(names.join(", "), shown);
 }
 
 void TestEditorUndoDialog::rowsMadeOrRenamedWhileFilteredStayShown()
