@@ -3,7 +3,8 @@
 //   BM_ExportGroup      "->" on a group of 10,000 items in file mode, then OK writing the file
 //   BM_ImportGroup      browsing to that file, then "<-" on the group into an empty catalog
 //   BM_SendGroup        "->" on the group in repository mode, the right tree reloaded after
-//                       (argument 0: SQLite, 1: the benchmark's own PostgreSQL);
+//                       (argument 0: SQLite, 1: the benchmark's own PostgreSQL, 2: the same
+//                       with commits synced to the disk, as a real server does);
 //                       round_trips_per_item: statements the server ran per item sent
 //   BM_FillFromRepository  the right tree filled from a repository of 10,000 records
 #include "bench/catalog/CatalogGenerator.h"
@@ -35,6 +36,7 @@ namespace
 constexpr int GroupItems = 10000;
 Host::ScriptedHost g_host;
 std::unique_ptr<PostgresServer> g_server;
+std::unique_ptr<PostgresServer> g_syncingServer;
 std::unique_ptr<EditorTestStore> g_store;
 
 QTemporaryDir& tempDir()
@@ -170,26 +172,37 @@ int& repositoriesMade()
     return made;
 }
 
+// The PostgreSQL server of the benchmark's argument (1: fsync off, 2: synced), started on
+// first use; null for SQLite or when no server can be made.
+PostgresServer* serverFor(const benchmark::State& state)
+{
+    if (state.range(0) == 0)
+        return nullptr;
+    const bool synced = state.range(0) == 2;
+    std::unique_ptr<PostgresServer>& server = synced ? g_syncingServer : g_server;
+    if (!server && PostgresServer::unavailableReason().isEmpty())
+    {
+        server = std::make_unique<PostgresServer>(synced);
+        if (!server->start())
+            server.reset();
+    }
+    return server.get();
+}
+
 // A new, empty repository for each run: "impex<n>" (an SQLite file or a PostgreSQL database).
 bool freshRepository(benchmark::State& state)
 {
     const QString name = QStringLiteral("impex%1").arg(++repositoriesMade());
     QString url = QStringLiteral("sqlite:") + tempDir().filePath(name + ".sqlite");
-    if (state.range(0) == 1)
+    if (PostgresServer* server = serverFor(state))
     {
-        if (!g_server && PostgresServer::unavailableReason().isEmpty())
-        {
-            g_server = std::make_unique<PostgresServer>();
-            if (!g_server->start())
-                g_server.reset();
-        }
-        if (!g_server)
-        {
-            state.SkipWithError("no PostgreSQL server");
-            return false;
-        }
-        g_server->psql(QStringLiteral("CREATE DATABASE %1 OWNER %2;").arg(name, PostgresServer::writer));
-        url = g_server->url(PostgresServer::writer, PostgresServer::writerPassword, name);
+        server->psql(QStringLiteral("CREATE DATABASE %1 OWNER %2;").arg(name, PostgresServer::writer));
+        url = server->url(PostgresServer::writer, PostgresServer::writerPassword, name);
+    }
+    else if (state.range(0) != 0)
+    {
+        state.SkipWithError("no PostgreSQL server");
+        return false;
     }
     if (!CRepositoryStorageManager::Instance()->Configure(url))
     {
@@ -212,12 +225,13 @@ void BM_SendGroup(benchmark::State& state)
         click(dlg.get(), Ids::RadioRepository);
         selectFirstEntry(dlg.get(), Ids::TreeLocal);
         const QString database = QStringLiteral("impex%1").arg(repositoriesMade());
-        const qint64 before = g_server ? g_server->statementsRun(database) : 0;
+        PostgresServer* server = serverFor(state);
+        const qint64 before = server ? server->statementsRun(database) : 0;
         state.ResumeTiming();
         click(dlg.get(), Ids::BtnAdd);
         state.PauseTiming();
-        if (g_server)
-            statements += g_server->statementsRun(database) - before;
+        if (server)
+            statements += server->statementsRun(database) - before;
         if (rows(dlg.get(), Ids::TreeTarget) != GroupItems + 1)
             state.SkipWithError("the send did not go through");
         dlg.reset();
@@ -248,7 +262,7 @@ void BM_FillFromRepository(benchmark::State& state)
 BENCHMARK(BM_OpenDialog)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_ExportGroup)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_ImportGroup)->Unit(benchmark::kMillisecond)->Iterations(3);
-BENCHMARK(BM_SendGroup)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(2);
+BENCHMARK(BM_SendGroup)->Arg(0)->Arg(1)->Arg(2)->Unit(benchmark::kMillisecond)->Iterations(2);
 BENCHMARK(BM_FillFromRepository)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 } // namespace
@@ -271,5 +285,6 @@ int main(int argc, char** argv)
     benchmark::Shutdown();
     CRepositoryStorageManager::Instance()->Reset();
     g_server.reset();
+    g_syncingServer.reset();
     return 0;
 }

@@ -77,7 +77,7 @@ QString PostgresServer::unavailableReason()
     return QString();
 }
 
-PostgresServer::PostgresServer() = default;
+PostgresServer::PostgresServer(bool syncToDisk) : m_syncToDisk(syncToDisk) {}
 
 PostgresServer::~PostgresServer()
 {
@@ -168,11 +168,11 @@ bool PostgresServer::startServer()
 {
     // Only the socket in our folder. fsync off only risks data when the machine crashes; a
     // committed row must survive "stop -m immediate", so commits stay synchronous.
-    const QString options = QString("-k %1 -p %2 -c listen_addresses= -c fsync=off "
-                                    "-c full_page_writes=off "
+    const QString options = QString("-k %1 -p %2 -c listen_addresses= %3"
                                     "-c shared_buffers=32MB -c max_connections=40")
                                 .arg(socketDir())
-                                .arg(port()) +
+                                .arg(port())
+                                .arg(m_syncToDisk ? "" : "-c fsync=off -c full_page_writes=off ") +
                             // Counts statements for the benchmarks' round trips, when shipped.
                             (QFileInfo::exists(binDir() + "/../lib/pg_stat_statements.so")
                                  ? " -c shared_preload_libraries=pg_stat_statements"

@@ -6,7 +6,7 @@
 #include <memory>
 
 // A throw-away PostgreSQL server for tests and benchmarks: initdb into a temporary folder,
-// listening only on a Unix socket in that folder, fsync off. It holds one database and two
+// listening only on a Unix socket in that folder, fsync off unless asked for. It holds one database and two
 // login roles with passwords (password auth on the socket, so a wrong password is refused
 // for real): a read-write role owning the database and a read-only role that gets SELECT
 // and USAGE through grantReadOnly() once the schema is there. As root (CI) the server runs
@@ -27,7 +27,8 @@ public:
     // The folder holding initdb and pg_ctl (newest version under /usr/lib/postgresql), or "".
     static QString binDir();
 
-    PostgresServer();
+    // `syncToDisk`: commits wait for the disk, as on a real server (benchmarks).
+    explicit PostgresServer(bool syncToDisk = false);
     ~PostgresServer(); // stops the server (fast) and removes its folder
 
     // initdb, start, database and roles. False with error() on failure.
@@ -65,6 +66,7 @@ private:
     QString dataDir() const { return socketDir() + "/data"; }
 
     std::unique_ptr<QTemporaryDir> m_dir;
+    bool m_syncToDisk = false;
     bool m_running = false;
     QString m_error;
 };
