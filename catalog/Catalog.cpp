@@ -155,13 +155,13 @@ int parseCatalog(CCatalog& catalog, const char* data, size_t size, bool forceUtf
 
 } // namespace
 
-int CCatalog::ParseXMLBytes(const QByteArray& utf8)
+int CCatalog::parseUtf8(const QByteArray& utf8, bool forceUtf8)
 {
     ItemMap all;
     ItemMap roots;
     QString reference;
     QString error;
-    if (!parseCatalog(*this, utf8.constData(), size_t(utf8.size()), false, error, all, roots,
+    if (!parseCatalog(*this, utf8.constData(), size_t(utf8.size()), forceUtf8, error, all, roots,
                       reference)) {
         m_parseError = error;
         return 0;
@@ -174,25 +174,14 @@ int CCatalog::ParseXMLBytes(const QByteArray& utf8)
     return 1;
 }
 
+int CCatalog::ParseXMLBytes(const QByteArray& utf8)
+{
+    return parseUtf8(utf8, false);
+}
+
 int CCatalog::ParseXML(const QString& xml)
 {
-    // The text is already decoded: parse its UTF-8 form whatever its declaration says.
-    const QByteArray utf8 = xml.toUtf8();
-    ItemMap all;
-    ItemMap roots;
-    QString reference;
-    QString error;
-    if (!parseCatalog(*this, utf8.constData(), size_t(utf8.size()), true, error, all, roots,
-                      reference)) {
-        m_parseError = error;
-        return 0;
-    }
-    m_allElements.swap(all);
-    m_rootElements.swap(roots);
-    if (!reference.isEmpty())
-        SetReference(reference);
-    m_parseError.clear();
-    return 1;
+    return parseUtf8(xml.toUtf8(), true);
 }
 
 QString CCatalog::GetXML() const

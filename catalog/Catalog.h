@@ -51,6 +51,10 @@ public:
     QString ParseError() const { return m_parseError; }
 
 private:
+    // Both parses: `forceUtf8` when the bytes come from text already decoded, whatever
+    // the declaration in them says.
+    int parseUtf8(const QByteArray& utf8, bool forceUtf8);
+
     QString m_reference;
     QString m_parseError;
     boost::shared_ptr<ICatalogItemFactory> m_factory;
