@@ -16,6 +16,22 @@ CatalogEditCommand::CatalogEditCommand(boost::shared_ptr<CCatalog> catalog)
 {
 }
 
+void CatalogEditCommand::runAhead()
+{
+    redoEdit();
+    m_ranAhead = true;
+}
+
+void CatalogEditCommand::redo()
+{
+    if (m_ranAhead)
+    {
+        m_ranAhead = false;
+        return;
+    }
+    redoEdit();
+}
+
 EntryPlacement PlacementOf(CCatalog& catalog, const ItemPtr& entry)
 {
     EntryPlacement placement;

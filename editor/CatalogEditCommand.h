@@ -24,16 +24,35 @@ using ItemPtr = boost::shared_ptr<Data::CCatalogItem>;
 class CatalogEditCommand : public QUndoCommand
 {
 public:
+    // Ids of commands that merge: a new entry and the name given to it in the label editor
+    // that opened with it are one edit.
+    enum MergeId
+    {
+        NamingMerge = 1
+    };
+
     explicit CatalogEditCommand(boost::shared_ptr<Data::CCatalog> catalog);
 
     Data::CCatalog* catalog() const { return m_catalog.get(); }
+
+    // Makes the edit before the command goes on a stack, whose push then does not make it
+    // again. The stack drops what there is to redo on every push, also of an edit that
+    // changed nothing: run ahead, such an edit is seen obsolete and never pushed.
+    void runAhead();
+    void redo() final;
 
     // The editor's view before the edit and after it (set by the dialog).
     EditorViewState viewBefore;
     EditorViewState viewAfter;
 
 protected:
+    // The edit itself: made on the first call, put back on the later ones.
+    virtual void redoEdit() = 0;
+
     boost::shared_ptr<Data::CCatalog> m_catalog;
+
+private:
+    bool m_ranAhead = false;
 };
 
 // Where an entry sits in a catalog: under its parent (or at the root level), with the

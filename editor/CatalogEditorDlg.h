@@ -274,6 +274,8 @@ private:
     int m_readOnly = 0;
 
     QUndoStack* m_undoStack = nullptr;
+    // The row of a new group whose label editor opened with it: its name is part of "AG".
+    QTreeWidgetItem* m_namingRow = nullptr;
     // The values the grid shows, as they were before the grid writes an edit into them.
     struct ShownProperties
     {

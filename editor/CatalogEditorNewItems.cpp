@@ -153,5 +153,6 @@ void CCatalogEditorDlg::OnBnClickedBtnAddGroup()
                                                   &m_images);
     row->addChild(newRow);
     row->setExpanded(true);
+    m_namingRow = newRow;
     m_catalogTree->beginLabelEdit(newRow);
 }

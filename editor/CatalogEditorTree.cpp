@@ -112,6 +112,8 @@ void CCatalogEditorDlg::BeginLabelEdit()
 
 void CCatalogEditorDlg::OnLabelEditEnded(bool upper, QTreeWidgetItem* row)
 {
+    const bool naming = row == m_namingRow;
+    m_namingRow = nullptr;
     if (upper)
     {
         // The drawing copy is not renamed here: its label goes back to what it was.
@@ -125,12 +127,13 @@ void CCatalogEditorDlg::OnLabelEditEnded(bool upper, QTreeWidgetItem* row)
     {
         Host::HostServices::current().alert(
             CModuleConfiguration::Instance()->GetMsg(MsgNameRejected), this);
+        m_namingRow = naming ? row : nullptr;
         m_catalogTree->beginLabelEdit(row);
         return;
     }
     if (CCatalogItem* item = Editor::CatalogItemOfRow(row))
     {
-        RunEdit(new Editor::RenameCommand(GetCatalog(1), item, text));
+        RunEdit(new Editor::RenameCommand(GetCatalog(1), item, text, naming));
         m_rowFilter.pin(item);
         ShowProperties(item, false);
     }

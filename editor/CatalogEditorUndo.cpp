@@ -4,6 +4,8 @@
 
 #include "catalog/Catalog.h"
 #include "catalog/CatalogItem.h"
+#include "controls/PropertyGridModel.h"
+#include "controls/PropertyGridWidget.h"
 #include "editor/EditCommands.h"
 
 #include <QAction>
@@ -131,8 +133,15 @@ void CCatalogEditorDlg::CreateUndo()
 CatalogEditCommand* CCatalogEditorDlg::RunEdit(CatalogEditCommand* command)
 {
     command->viewBefore = CaptureView();
+    command->runAhead();
+    // An edit that changed nothing is not pushed: the stack would drop what there is to redo.
+    if (command->isObsolete())
+    {
+        delete command;
+        return nullptr;
+    }
     m_undoStack->push(command);
-    // An edit that changed nothing is deleted by the stack instead of being kept.
+    // A command merged into the one before it is gone.
     const int top = m_undoStack->index() - 1;
     return top >= 0 && m_undoStack->command(top) == command ? command : nullptr;
 }
@@ -183,6 +192,12 @@ EditorViewState CCatalogEditorDlg::CaptureView() const
     view.upper = CaptureTree(*m_drawingTree);
     view.lower = CaptureTree(*m_catalogTree);
     view.sortAscending = NextSortAscending();
+    if (const PropertyGridWidget* grid = m_grid.gridWidget())
+    {
+        if (const CPropertyEx* property = grid->currentProperty())
+            view.gridTag = property->GetTag();
+        view.gridScroll = grid->view()->verticalScrollBar()->value();
+    }
     return view;
 }
 
@@ -198,6 +213,14 @@ void CCatalogEditorDlg::RestoreView(const EditorViewState& view)
     SetSortDirection(view.sortAscending);
     m_activeTree = view.activeTree;
     ShowSelection(m_activeTree == 1);
+    if (PropertyGridWidget* grid = m_grid.gridWidget())
+    {
+        if (const QModelIndex row = view.gridTag.isEmpty() ? QModelIndex()
+                                                           : grid->model()->indexOfTag(view.gridTag);
+            row.isValid())
+            grid->view()->setCurrentIndex(row);
+        grid->view()->verticalScrollBar()->setValue(view.gridScroll);
+    }
 }
 
 void CCatalogEditorDlg::ShowProperties(CCatalogItem* item, bool upper)

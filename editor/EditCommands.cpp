@@ -18,7 +18,7 @@ using Data::CCatalogItem;
 
 // ---- Adding ---------------------------------------------------------------------------
 
-void AddingCommand::redo()
+void AddingCommand::redoEdit()
 {
     if (m_done)
     {
@@ -95,6 +95,15 @@ void NewGroupCommand::make(std::vector<ItemPtr>& made)
         made.push_back(result.group);
 }
 
+bool NewGroupCommand::mergeWith(const QUndoCommand* other)
+{
+    // The group object keeps the name: putting it back on redo brings the name with it.
+    const auto* naming = dynamic_cast<const RenameCommand*>(other);
+    const std::vector<ItemPtr> group = made();
+    return naming && naming->id() == NamingMerge && group.size() == 1 &&
+           naming->item() == group.front().get();
+}
+
 CopyGroupCommand::CopyGroupCommand(boost::shared_ptr<CCatalog> catalog, CCatalogItem* source)
     : AddingCommand(std::move(catalog)), m_source(source)
 {
@@ -133,7 +142,7 @@ DeleteCommand::DeleteCommand(boost::shared_ptr<CCatalog> catalog, std::vector<It
 {
 }
 
-void DeleteCommand::redo()
+void DeleteCommand::redoEdit()
 {
     if (m_done)
     {
@@ -181,11 +190,11 @@ void DropCommand::make(std::vector<ItemPtr>& made)
             made.push_back(item);
 }
 
-void DropCommand::redo()
+void DropCommand::redoEdit()
 {
     if (m_copy || !m_source)
     {
-        AddingCommand::redo();
+        AddingCommand::redoEdit();
         return;
     }
     if (m_moved)
@@ -234,12 +243,13 @@ void DropCommand::moveBack()
 // ---- Values ---------------------------------------------------------------------------
 
 RenameCommand::RenameCommand(boost::shared_ptr<CCatalog> catalog, CCatalogItem* item,
-                             QString name)
-    : CatalogEditCommand(std::move(catalog)), m_item(item), m_newName(std::move(name))
+                             QString name, bool naming)
+    : CatalogEditCommand(std::move(catalog)), m_item(item), m_newName(std::move(name)),
+      m_naming(naming)
 {
 }
 
-void RenameCommand::redo()
+void RenameCommand::redoEdit()
 {
     if (!m_item)
     {
@@ -273,7 +283,7 @@ OrderCommand::OrderCommand(boost::shared_ptr<CCatalog> catalog, std::vector<Item
 {
 }
 
-void OrderCommand::redo()
+void OrderCommand::redoEdit()
 {
     if (m_done)
     {
@@ -328,7 +338,7 @@ DefaultMarkCommand::DefaultMarkCommand(boost::shared_ptr<CCatalog> catalog, CCat
 {
 }
 
-void DefaultMarkCommand::redo()
+void DefaultMarkCommand::redoEdit()
 {
     m_undone = false;
     if (m_done)
@@ -387,7 +397,7 @@ void PropertyEditCommand::apply(const State& state)
         m_property->SetValue(state.value);
 }
 
-void PropertyEditCommand::redo()
+void PropertyEditCommand::redoEdit()
 {
     if (!m_property || (m_before.value == m_after.value && m_before.name == m_after.name))
     {
@@ -419,7 +429,7 @@ QByteArray ItemText(CCatalogItem& item)
 }
 } // namespace
 
-void UpgradeItemCommand::redo()
+void UpgradeItemCommand::redoEdit()
 {
     if (m_done)
     {
@@ -468,7 +478,7 @@ ImportCommand::ImportCommand(boost::shared_ptr<CCatalog> catalog,
             m_removed.push_back(item);
 }
 
-void ImportCommand::redo()
+void ImportCommand::redoEdit()
 {
     if (!m_done)
     {

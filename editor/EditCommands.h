@@ -29,7 +29,7 @@ class AddingCommand : public CatalogEditCommand
 {
 public:
     using CatalogEditCommand::CatalogEditCommand;
-    void redo() override;
+    void redoEdit() override;
     void undo() override;
     // The entries made, in the order made (empty when nothing was).
     std::vector<ItemPtr> made() const;
@@ -76,12 +76,16 @@ private:
     TemplatePtr m_template;
 };
 
-// "AG": a group inside `parent`, or at the root level.
+// "AG": a group inside `parent`, or at the root level. The name then given to it (a
+// RenameCommand made as its naming) merges into it: undo takes the named group out, redo
+// puts it back with its name.
 class NewGroupCommand : public AddingCommand
 {
 public:
     NewGroupCommand(boost::shared_ptr<Data::CCatalog> catalog, Data::CCatalogItem* parent,
                     int depth, TemplatePtr tmpl, QString fallbackName);
+    int id() const override { return NamingMerge; }
+    bool mergeWith(const QUndoCommand* other) override;
 
 protected:
     void make(std::vector<ItemPtr>& made) override;
@@ -132,7 +136,7 @@ class DeleteCommand : public CatalogEditCommand
 {
 public:
     DeleteCommand(boost::shared_ptr<Data::CCatalog> catalog, std::vector<ItemPtr> entries);
-    void redo() override;
+    void redoEdit() override;
     void undo() override;
 
 private:
@@ -147,7 +151,7 @@ class DropCommand : public AddingCommand
 public:
     DropCommand(boost::shared_ptr<Data::CCatalog> catalog, ItemPtr source,
                 Data::CCatalogItem* target, bool copy, TemplatePtr tmpl);
-    void redo() override;
+    void redoEdit() override;
     void undo() override;
 
 protected:
@@ -169,12 +173,15 @@ private:
 };
 
 // The name given in the tree's label editor (the name property follows the name).
+// `naming`: the label editor opened with a new entry, whose command takes this one in.
 class RenameCommand : public CatalogEditCommand
 {
 public:
     RenameCommand(boost::shared_ptr<Data::CCatalog> catalog, Data::CCatalogItem* item,
-                  QString name);
-    void redo() override;
+                  QString name, bool naming = false);
+    int id() const override { return m_naming ? NamingMerge : -1; }
+    Data::CCatalogItem* item() const { return m_item; }
+    void redoEdit() override;
     void undo() override;
 
 private:
@@ -183,6 +190,7 @@ private:
     QString m_newName;
     boost::shared_ptr<Data::CPropertyEx> m_nameProperty;
     Data::CDataBox m_oldNameValue;
+    bool m_naming;
     bool m_done = false;
 };
 
@@ -191,7 +199,7 @@ class OrderCommand : public CatalogEditCommand
 {
 public:
     OrderCommand(boost::shared_ptr<Data::CCatalog> catalog, std::vector<ItemPtr> siblings);
-    void redo() override;
+    void redoEdit() override;
     void undo() override;
 
 protected:
@@ -243,7 +251,7 @@ class DefaultMarkCommand : public CatalogEditCommand
 {
 public:
     DefaultMarkCommand(boost::shared_ptr<Data::CCatalog> catalog, Data::CCatalogItem* item);
-    void redo() override;
+    void redoEdit() override;
     void undo() override;
     // The items whose mark changed, with the mark they have now.
     std::vector<std::pair<Data::CCatalogItem*, bool>> marks() const;
@@ -273,7 +281,7 @@ public:
     };
     PropertyEditCommand(boost::shared_ptr<Data::CCatalog> catalog, Data::CCatalogItem* item,
                         Data::CPropertyEx* property, State before, State after);
-    void redo() override;
+    void redoEdit() override;
     void undo() override;
 
 private:
@@ -294,7 +302,7 @@ public:
     // result.
     UpgradeItemCommand(boost::shared_ptr<Data::CCatalog> catalog, Data::CCatalogItem* item,
                        std::function<int(Data::CCatalogItem*)> upgrade);
-    void redo() override;
+    void redoEdit() override;
     void undo() override;
     int extended() const { return m_extended; }
 
@@ -315,7 +323,7 @@ class ImportCommand : public CatalogEditCommand
 public:
     ImportCommand(boost::shared_ptr<Data::CCatalog> catalog,
                   const std::map<QString, ItemPtr>& before);
-    void redo() override;
+    void redoEdit() override;
     void undo() override;
 
 private:

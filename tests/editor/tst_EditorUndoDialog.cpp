@@ -75,6 +75,8 @@ private slots:
     void undoShowsTheEditorAsBefore_data();
     void undoShowsTheEditorAsBefore();
     void keysUndoAndRedo();
+    void editChangingNothingKeepsRedo_data();
+    void editChangingNothingKeepsRedo();
     void catalogSwitchAndCancelDropTheStack();
 
     void filterShowsMatchesWithTheirGroups();
@@ -90,12 +92,14 @@ private:
     {
         auto* upper = findControl<QTreeWidget>(&dlg, Ids::DrawingTree);
         auto* lower = findControl<QTreeWidget>(&dlg, Ids::CatalogTree);
+        const CPropertyEx* gridRow = findControl<PropertyGridWidget>(&dlg, Ids::Grid)->currentProperty();
         const auto catalog = dlg.GetCatalog(1);
         return QStringList{catalog->GetXML(), dlg.GetCatalog(0)->GetXML(), dumpTree(upper),
                            dumpTree(lower), "upper " + pathOf(upper->currentItem()),
                            "lower " + pathOf(lower->currentItem()),
                            enabledEditButtons(dlg).join(' '),
                            "grid " + (dlg.CurrentItem() ? dlg.CurrentItem()->GetName() : "-"),
+                           "grid row " + (gridRow ? gridRow->GetTag() : "-"),
                            QString::number(dlg.ActiveTree())}
             .join("\n--\n")
             .split('\n');
@@ -138,6 +142,16 @@ void TestEditorUndoDialog::undoShowsTheEditorAsBefore_data()
             QTest::keyClick(editor, Qt::Key_Return);
             QCoreApplication::processEvents();
         }, select(""));
+    // Named in the label editor that opens with it: one edit, not two.
+    row("new group named", [](D& dlg, Host::ScriptedHost&) {
+            dlg.OnBnClickedBtnAddGroup();
+            auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+            QVERIFY(editor);
+            editor->selectAll();
+            editor->insert(QString::fromUtf8("Razvodni ormari"));
+            QTest::keyClick(editor, Qt::Key_Return);
+            QCoreApplication::processEvents();
+        }, select("Medium voltage"));
     row("delete an item", click(&D::OnBnClickedBtnDel), select("Low voltage/Cable 4x16", true));
     row("delete a group with a group in it", click(&D::OnBnClickedBtnDel),
         select("Medium voltage", true));
@@ -171,12 +185,26 @@ void TestEditorUndoDialog::undoShowsTheEditorAsBefore_data()
         dlg.OnItemDropped(rowAt(lower, "Low voltage/Cable 4x25"), rowAt(lower, "Medium voltage/Copper/Cu 95"));
         host.setCtrlPressed(false);
     });
+    // The grid's current row is the one edited: it is current again after undo and redo.
+    auto selectInGrid = [select](const QString& path, const QString& tag) {
+        return [select, path, tag](D& dlg, Host::ScriptedHost& host) {
+            select(path)(dlg, host);
+            auto* grid = findControl<PropertyGridWidget>(&dlg, Ids::Grid);
+            grid->view()->setCurrentIndex(grid->model()->indexOfTag(tag));
+        };
+    };
     row("property edit in the grid", [](D& dlg, Host::ScriptedHost&) {
             auto* grid = findControl<PropertyGridWidget>(&dlg, Ids::Grid);
             const QModelIndex index = grid->model()->indexOfTag("CROSS_SECTION");
             QVERIFY(grid->model()->setData(index.siblingAtColumn(PropertyGridModel::ValueColumn),
                                            "35", Qt::EditRole));
-        }, select("Low voltage/Cable 4x25"));
+        }, selectInGrid("Low voltage/Cable 4x25", "CROSS_SECTION"));
+    row("name edit in the grid", [](D& dlg, Host::ScriptedHost&) {
+            auto* grid = findControl<PropertyGridWidget>(&dlg, Ids::Grid);
+            const QModelIndex index = grid->model()->indexOfTag("CATALOGITEM_NAME");
+            QVERIFY(grid->model()->setData(index.siblingAtColumn(PropertyGridModel::ValueColumn),
+                                           "Cable 4x35", Qt::EditRole));
+        }, selectInGrid("Low voltage/Cable 4x25", "CATALOGITEM_NAME"));
     row("add to the application catalog", click(&D::OnBnClickedBtnAddToApp),
         [this](D& dlg, Host::ScriptedHost&) {
         // The drawing copy gets an entry the catalog lacks.
@@ -238,6 +266,59 @@ void TestEditorUndoDialog::keysUndoAndRedo()
     QCOMPARE(firstDifference(state(*dlg), after), QString());
     // Nothing more to redo, nothing changes.
     QTest::keyClick(lower, Qt::Key_Y, Qt::ControlModifier);
+    QCOMPARE(firstDifference(state(*dlg), after), QString());
+}
+
+void TestEditorUndoDialog::editChangingNothingKeepsRedo_data()
+{
+    QTest::addColumn<Action>("action");
+    using D = CCatalogEditorDlg;
+    auto row = [](const char* name, Action action) { QTest::newRow(name) << action; };
+    auto inGrid = [](const QString& tag, const QString& value) {
+        return [tag, value](D& dlg, Host::ScriptedHost&) {
+            auto* grid = findControl<PropertyGridWidget>(&dlg, Ids::Grid);
+            const QModelIndex index = grid->model()->indexOfTag(tag);
+            grid->model()->setData(index.siblingAtColumn(PropertyGridModel::ValueColumn), value,
+                                   Qt::EditRole);
+        };
+    };
+
+    row("renamed to its name", [](D& dlg, Host::ScriptedHost&) {
+        QTest::keyClick(findControl<QTreeWidget>(&dlg, Ids::CatalogTree), Qt::Key_F2);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    });
+    row("a value set to what it is", inGrid("CROSS_SECTION", "25"));
+    row("the name set to what it is in the grid", inGrid("CATALOGITEM_NAME", "Cable 4x25"));
+    row("a level of one sorted", [this](D& dlg, Host::ScriptedHost&) {
+        focusAndSelect(dlg, Ids::CatalogTree, "Medium voltage/Copper");
+        dlg.OnBnClickedBtnSort();
+    });
+    row("the default marked again", [this](D& dlg, Host::ScriptedHost&) {
+        focusAndSelect(dlg, Ids::CatalogTree, "Low voltage/Cable 4x16");
+        dlg.OnBnClickedBtnSetDefault();
+    });
+    row("dropped into its own group", [](D& dlg, Host::ScriptedHost&) {
+        auto* lower = findControl<QTreeWidget>(&dlg, Ids::CatalogTree);
+        dlg.OnItemDropped(rowAt(lower, "Low voltage/Cable 4x25"), rowAt(lower, "Low voltage"));
+    });
+}
+
+void TestEditorUndoDialog::editChangingNothingKeepsRedo()
+{
+    QFETCH(Action, action);
+    writeDefaultStore();
+    auto dlg = openDialog("CABLES");
+    focusAndSelect(*dlg, Ids::CatalogTree, "Low voltage/Cable 4x25");
+    dlg->OnBnClickedBtnUp();
+    const QStringList after = state(*dlg);
+    dlg->OnUndo();
+    const QString xml = dlg->GetCatalog(1)->GetXML();
+
+    action(*dlg, m_host);
+    QCoreApplication::processEvents();
+    QCOMPARE(dlg->GetCatalog(1)->GetXML(), xml);
+    QVERIFY(dlg->UndoStack()->canRedo());
+    dlg->OnRedo();
     QCOMPARE(firstDifference(state(*dlg), after), QString());
 }
 
