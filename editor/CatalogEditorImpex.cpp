@@ -22,7 +22,9 @@ void CCatalogEditorDlg::OnBnClickedBtnExport()
 }
 
 // The dialog works on the catalog the editor holds; only an import that ends with OK changes
-// what the catalog tree shows. Nothing is saved here: the editor's OK does that.
+// what the catalog tree shows, and only that is recorded for undo. Transfers of a run that
+// ends otherwise stay in the catalog unseen (the editor's OK saves them), so the edits
+// recorded before, which undo onto the catalog as it was, are dropped. Nothing is saved here.
 void CCatalogEditorDlg::OpenImpexDialog(int direction)
 {
     const auto metadata = SelectedMetadata();
@@ -35,12 +37,13 @@ void CCatalogEditorDlg::OpenImpexDialog(int direction)
     CDlgCatalogImpex dialog(this);
     dialog.SetParameters(direction, reference);
     dialog.SetLocalCatalog(catalog);
-    const bool accepted = dialog.exec() == QDialog::Accepted;
-    if (catalog && GetCatalog(1) == catalog)
-        RunEdit(new ZEVGis::Editor::ImportCommand(catalog, before));
-    else
+    const bool shown = dialog.exec() == QDialog::Accepted && direction == CDlgCatalogImpex::Import;
+    if (!catalog || GetCatalog(1) != catalog)
         m_undoStack->clear(); // another catalog object: the edits recorded were on the old one
-    if (!accepted || direction != CDlgCatalogImpex::Import)
-        return;
-    FillTree(false, CCatalogManager::Instance()->GetCatalog(reference, 1).get());
+    else if (shown)
+        RunEdit(new ZEVGis::Editor::ImportCommand(catalog, before));
+    else if (*catalog->GetAllElementsMap() != before)
+        m_undoStack->clear();
+    if (shown)
+        FillTree(false, CCatalogManager::Instance()->GetCatalog(reference, 1).get());
 }

@@ -17,6 +17,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QUndoStack>
 #include <QtTest>
 #include <boost/make_shared.hpp>
 #include <functional>
@@ -71,6 +72,8 @@ private slots:
     void tabReachesEveryControlBothWays();
     void editorImportReloadsTreeWithoutSaving();
     void editorExportChangesNothing();
+    void editorUndoesOnlyAnImportEndedWithOk_data();
+    void editorUndoesOnlyAnImportEndedWithOk();
     void radioTextsFit_data();
     void radioTextsFit();
     void screenshots_data();
@@ -428,6 +431,61 @@ void TestDlgCatalogImpex::editorExportChangesNothing()
     QCOMPARE(title, Msg(8531));
     QCOMPARE(m_store->catalogFileBytes("CABLES"), before);
     QCOMPARE(childTexts(rowAt(findControl<QTreeWidget>(editor.get(), Editor::Ids::CatalogTree), "")).size(), 3);
+}
+
+void TestDlgCatalogImpex::editorUndoesOnlyAnImportEndedWithOk_data()
+{
+    QTest::addColumn<bool>("bringIn");
+    QTest::addColumn<int>("button");
+    QTest::addColumn<int>("undoSteps"); // after one edit made before the dialog
+
+    QTest::newRow("brought in, OK: one more step") << true << int(Ids::Ok) << 2;
+    // The entries stay in the catalog unseen; the edit before cannot be undone onto it.
+    QTest::newRow("brought in, Close: the steps go") << true << int(Ids::Close) << 0;
+    QTest::newRow("nothing brought in, OK") << false << int(Ids::Ok) << 1;
+    QTest::newRow("nothing brought in, Close") << false << int(Ids::Close) << 1;
+}
+
+void TestDlgCatalogImpex::editorUndoesOnlyAnImportEndedWithOk()
+{
+    QFETCH(bool, bringIn);
+    QFETCH(int, button);
+    QFETCH(int, undoSteps);
+    writeDefaultStore();
+    const QString file = WriteCatalogFile(m_dir->filePath("in.xml"), "CABLES", [](CatalogBuilder& b)
+                                          { b.item("Imported item", b.group("Imported", {}, 9)); });
+    const auto editor = openDialog("CABLES");
+    auto* lower = findControl<QTreeWidget>(editor.get(), Editor::Ids::CatalogTree);
+    focusAndSelect(*editor, Editor::Ids::CatalogTree, "Low voltage/Cable 4x16");
+    editor->OnBnClickedBtnDown();
+    const auto catalog = editor->GetCatalog(1);
+    const QString before = catalog->GetXML();
+    m_host.queueOpenFileName(file);
+    QTimer::singleShot(0, [&] {
+        auto* dlg = qobject_cast<CDlgCatalogImpex*>(QApplication::activeModalWidget());
+        QVERIFY(dlg);
+        Click(dlg, Ids::BtnBrowse);
+        if (bringIn)
+        {
+            Select(dlg, Ids::TreeTarget, "Imported");
+            Click(dlg, Ids::BtnRemove);
+        }
+        Click(dlg, button);
+    });
+    Click(editor.get(), Editor::Ids::BtnImport);
+    QCOMPARE(m_host.alerts(), QStringList());
+    const QString after = catalog->GetXML();
+    QCOMPARE(after != before, bringIn);
+    QCOMPARE(editor->UndoStack()->count(), undoSteps);
+    QCOMPARE(rowAt(lower, "Imported/Imported item") != nullptr, bringIn && button == Ids::Ok);
+    if (undoSteps != 2)
+        return;
+    editor->OnUndo();
+    QCOMPARE(catalog->GetXML(), before);
+    QVERIFY(!rowAt(lower, "Imported"));
+    editor->OnRedo();
+    QCOMPARE(catalog->GetXML(), after);
+    QVERIFY(rowAt(lower, "Imported/Imported item"));
 }
 
 void TestDlgCatalogImpex::radioTextsFit_data()
