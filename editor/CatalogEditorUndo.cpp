@@ -215,8 +215,8 @@ void CCatalogEditorDlg::RestoreView(const EditorViewState& view)
     ShowSelection(m_activeTree == 1);
     if (PropertyGridWidget* grid = m_grid.gridWidget())
     {
-        if (const QModelIndex row = view.gridTag.isEmpty() ? QModelIndex()
-                                                           : grid->model()->indexOfTag(view.gridTag);
+        if (const QModelIndex row =
+                view.gridTag.isEmpty() ? QModelIndex() : grid->model()->indexOfTag(view.gridTag);
             row.isValid())
             grid->view()->setCurrentIndex(row);
         grid->view()->verticalScrollBar()->setValue(view.gridScroll);

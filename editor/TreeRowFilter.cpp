@@ -192,7 +192,8 @@ void TreeRowFilter::apply(QTreeWidget& tree, bool freshRows)
         for (size_t i = 0; i < cache.rows.size(); ++i)
             if (m_pinned.count(CatalogItemOfRow(cache.rows[i])) != 0)
                 kept[i] = 1;
-    const std::vector<char> shown = ShownRows(cache.parents, [&](size_t i) { return kept[i] != 0; });
+    const std::vector<char> shown =
+        ShownRows(cache.parents, [&](size_t i) { return kept[i] != 0; });
 
     std::vector<signed char> open(cache.rows.size(), -1); // asked once per parent
     for (size_t i = 0; i < cache.rows.size(); ++i)

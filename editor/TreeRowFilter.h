@@ -60,7 +60,8 @@ private:
         std::vector<QTreeWidgetItem*> rows;
         std::vector<int> parents;
         QString folded;
-        std::vector<qsizetype> starts; // row i's folded name begins at starts[i]; one more at the end
+        // Row i's folded name begins at starts[i]; one more entry marks the end.
+        std::vector<qsizetype> starts;
         bool matchesValid = false;
         NameFilter matched;
         std::vector<size_t> matches;
