@@ -83,6 +83,8 @@ bool CDlgCatalogImpex::SendEntries(const FunctionTracer& tracer)
         if (const CCatalogItem* item = ItemOfRow(entry))
             sends += Impex::SendsFor(*item);
     Impex::TransferProgress progress(*m_repository, this, MsgSending, sends);
+    // The walk sends every descendant of a group once more after the group: one action.
+    const Impex::RepositoryAction action(progress);
     const Impex::RepositoryTarget target{progress, m_strCatalogReference, m_strCatalogName};
     for (QTreeWidgetItem* entry : entries)
         if (const CCatalogItem* item = ItemOfRow(entry);

@@ -44,6 +44,8 @@ public:
     int AddCatalogItem(const QString& catalogReference, const QString& catalogName, ItemPtr item,
                        int flag) override;
     int DeleteCatalogItem(const QString& catalogReference, const QString& catalogueId) override;
+    void BeginAction() override { m_inner.BeginAction(); }
+    void EndAction() override { m_inner.EndAction(); }
 
 private:
     void Advance(int records);

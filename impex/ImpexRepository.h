@@ -30,6 +30,25 @@ public:
     virtual int AddCatalogItem(const QString& catalogReference, const QString& catalogName,
                                ItemPtr item, int flag) = 0;
     virtual int DeleteCatalogItem(const QString& catalogReference, const QString& catalogueId) = 0;
+    // One user action's sends: the client spares the records it already wrote in it.
+    virtual void BeginAction() = 0;
+    virtual void EndAction() = 0;
+};
+
+// BeginAction and EndAction around a scope.
+class RepositoryAction
+{
+public:
+    explicit RepositoryAction(RepositoryAccess& repository) : m_repository(repository)
+    {
+        m_repository.BeginAction();
+    }
+    ~RepositoryAction() { m_repository.EndAction(); }
+    RepositoryAction(const RepositoryAction&) = delete;
+    RepositoryAction& operator=(const RepositoryAction&) = delete;
+
+private:
+    RepositoryAccess& m_repository;
 };
 
 // The module's repository client (Repository::CRepositoryStorageManager::Instance()).

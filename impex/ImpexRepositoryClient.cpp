@@ -33,6 +33,8 @@ public:
     {
         return client()->DeleteCatalogItem(catalogReference, catalogueId);
     }
+    void BeginAction() override { client()->BeginAction(); }
+    void EndAction() override { client()->EndAction(); }
 
 private:
     static CRepositoryStorageManager* client() { return CRepositoryStorageManager::Instance(); }

@@ -101,6 +101,45 @@ std::vector<RecordRow> RecordsOf(CCatalogItem& item, bool withDescendants)
     return rows;
 }
 
+void WrittenRecords::remember(const QString& catalogReference,
+                              const std::vector<RecordRow>& records)
+{
+    for (const RecordRow& row : records)
+        m_digests[keyOf(catalogReference, row.id)] = digestOf(row);
+}
+
+bool WrittenRecords::holdAll(const QString& catalogReference,
+                             const std::vector<RecordRow>& records) const
+{
+    if (records.empty())
+        return false;
+    for (const RecordRow& row : records)
+    {
+        const auto found = m_digests.find(keyOf(catalogReference, row.id));
+        if (found == m_digests.end() || found->second != digestOf(row))
+            return false;
+    }
+    return true;
+}
+
+void WrittenRecords::forget(const QString& catalogReference, const QString& id)
+{
+    m_digests.erase(keyOf(catalogReference, id));
+}
+
+WrittenRecords::Digest WrittenRecords::digestOf(const RecordRow& row)
+{
+    // Two seeds: a record taken for unchanged while it is not would not be sent at all.
+    const auto digest = [&](size_t seed)
+    { return qHashMulti(seed, row.parentId, row.name, row.isGroup, row.ord, row.content); };
+    return {digest(0x5a17e5u), digest(0x9e3779b97f4a7c15u)};
+}
+
+QString WrittenRecords::keyOf(const QString& catalogReference, const QString& id)
+{
+    return catalogReference + QLatin1Char('\n') + id;
+}
+
 bool WriteCatalogRow(RepositoryStore& store, const QString& catalogReference,
                      const QString& catalogName)
 {

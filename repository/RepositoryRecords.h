@@ -5,6 +5,8 @@
 
 #include <QString>
 #include <boost/shared_ptr.hpp>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Repository
@@ -26,6 +28,25 @@ struct RecordRow
 // The item (and, when asked, every item below it, each once) as records, sorted by GUID
 // so that two editors sending overlapping trees lock rows in the same order.
 std::vector<RecordRow> RecordsOf(ZEVGis::Data::CCatalogItem& item, bool withDescendants);
+
+// Records this client wrote (or found unchanged) during one user action, as a 128-bit digest
+// of each record's columns and content, by catalog and GUID.
+class WrittenRecords
+{
+public:
+    void remember(const QString& catalogReference, const std::vector<RecordRow>& records);
+    // True when every record is remembered with exactly these columns and content.
+    bool holdAll(const QString& catalogReference, const std::vector<RecordRow>& records) const;
+    void forget(const QString& catalogReference, const QString& id);
+    void clear() { m_digests.clear(); }
+
+private:
+    using Digest = std::pair<size_t, size_t>;
+    static Digest digestOf(const RecordRow& row);
+    static QString keyOf(const QString& catalogReference, const QString& id);
+
+    std::unordered_map<QString, Digest> m_digests;
+};
 
 // The statements of each call, run inside RepositoryStore::run.
 // The catalog's row: its display name (kept when `catalogName` is empty).

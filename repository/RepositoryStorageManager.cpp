@@ -34,6 +34,7 @@ CRepositoryStorageManager::~CRepositoryStorageManager()
 int CRepositoryStorageManager::Configure(const QString& url)
 {
     m_store.reset();
+    m_writtenInAction.clear();
     m_configured = true;
     m_initialized = false;
     m_lastError.clear();
@@ -63,6 +64,7 @@ int CRepositoryStorageManager::Configure(const QString& url)
 void CRepositoryStorageManager::Reset()
 {
     m_store.reset();
+    m_writtenInAction.clear();
     m_configured = false;
     m_initialized = false;
     m_displayUrl.clear();
@@ -181,6 +183,13 @@ int CRepositoryStorageManager::AddCatalogItem(const QString& catalogReference,
     what += QStringLiteral(" to catalog %1").arg(catalogReference);
     if (!ready())
         return 0;
+    if (m_actionDepth > 0 && m_store->accessible() &&
+        m_store->catalogRowWritten(catalogReference, catalogName) &&
+        m_writtenInAction.holdAll(catalogReference, records))
+    {
+        m_lastError.clear();
+        return 1;
+    }
     // The catalog's row is the turn every multi-record send takes, so that two editors
     // sending overlapping trees wait for each other instead of deadlocking. One record
     // needs no turn: once the row stands it goes as a single statement, which matters
@@ -197,16 +206,33 @@ int CRepositoryStorageManager::AddCatalogItem(const QString& catalogReference,
                                       WriteRecords(*m_store, catalogReference, records);
                            });
     if (sent)
+    {
         m_store->noteCatalogRowWritten(catalogReference, catalogName);
+        if (m_actionDepth > 0)
+            m_writtenInAction.remember(catalogReference, records);
+    }
     return sent ? 1 : 0;
+}
+
+void CRepositoryStorageManager::BeginAction()
+{
+    ++m_actionDepth;
+}
+
+void CRepositoryStorageManager::EndAction()
+{
+    if (m_actionDepth > 0 && --m_actionDepth == 0)
+        m_writtenInAction.clear();
 }
 
 int CRepositoryStorageManager::DeleteCatalogItem(const QString& catalogReference,
                                                  const QString& catalogueId)
 {
+    m_writtenInAction.forget(catalogReference, catalogueId);
     const QString what =
         QStringLiteral("deleting record %1 of catalog %2").arg(catalogueId, catalogReference);
-    return call(what, Unit::Statement, [&] { return DeleteRecord(*m_store, catalogReference, catalogueId); })
+    return call(what, Unit::Statement,
+                [&] { return DeleteRecord(*m_store, catalogReference, catalogueId); })
                ? 1
                : 0;
 }

@@ -2,6 +2,7 @@
 
 #include "catalog/CatalogItem.h"
 #include "repository/NetCatalogueItem.h"
+#include "repository/RepositoryRecords.h"
 
 #include <QString>
 #include <boost/shared_ptr.hpp>
@@ -74,6 +75,14 @@ public:
     // counts as deleted.
     int DeleteCatalogItem(const QString& catalogReference, const QString& catalogueId);
 
+    // One user action that may send the same records more than once ("->" of the
+    // import/export dialog sends a group with its descendants, then every descendant again).
+    // Between Begin and End a send whose records this client already wrote in the action,
+    // unchanged, returns non-zero without a trip to the server. Nests; End of the outermost
+    // forgets what was written.
+    void BeginAction();
+    void EndAction();
+
     ~CRepositoryStorageManager();
 
 private:
@@ -91,6 +100,8 @@ private:
     QString m_displayUrl;
     QString m_lastError;
     std::function<void(int, int)> m_progress;
+    int m_actionDepth = 0;
+    WrittenRecords m_writtenInAction;
 };
 
 } // namespace Repository

@@ -52,6 +52,8 @@ public:
             return 0;
         return m_inner->DeleteCatalogItem(reference, id);
     }
+    void BeginAction() override { m_inner->BeginAction(); }
+    void EndAction() override { m_inner->EndAction(); }
 
 private:
     // False once the repository is lost; the call that loses it still goes through.

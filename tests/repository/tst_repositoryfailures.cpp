@@ -91,6 +91,8 @@ private slots:
     void newerSchemaRefused();
     void catalogNameFollowsTheLastNamedSend_data() { addBackendRows(); }
     void catalogNameFollowsTheLastNamedSend();
+    void actionSparesWhatItWroteUnchanged_data() { addBackendRows(); }
+    void actionSparesWhatItWroteUnchanged();
     void readOnlyUser_data() { addPostgresRow(); }
     void readOnlyUser();
     void serverStoppedMidTransfer_data() { addPostgresRow(); }
@@ -377,6 +379,44 @@ void TestRepositoryFailures::catalogNameFollowsTheLastNamedSend()
     }
     // Sent five times, never changed: written once.
     QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{C}")), 1);
+}
+
+void TestRepositoryFailures::actionSparesWhatItWroteUnchanged()
+{
+    REPOSITORY_SETUP(folder);
+    const QString target = backend == u"sqlite"
+                               ? folder.filePath(QStringLiteral("repository.sqlite"))
+                               : url.section(u'/', -1);
+    Item group = makeItem(QStringLiteral("G"), true);
+    Item child = makeItem(QStringLiteral("C"), false, group);
+    const auto send = [&](const Item& item, int flag)
+    { return repository->AddCatalogItem(QStringLiteral("REF"), QString(), item, flag); };
+    // Another editor renames the record meanwhile: only a send that writes puts "C" back.
+    const auto renameElsewhere = [&]
+    { sql(backend, target, QStringLiteral("UPDATE items SET name = 'elsewhere' WHERE id = '{C}'")); };
+    const auto heldName = [&]
+    { return sql(backend, target, QStringLiteral("SELECT name FROM items WHERE id = '{C}'")); };
+
+    repository->BeginAction();
+    QVERIFY2(send(group, 1), qPrintable(repository->LastError()));
+    renameElsewhere();
+    QVERIFY(send(child, 1)); // written in this action and unchanged: spared
+    QCOMPARE(heldName(), QStringLiteral("elsewhere"));
+    child->SetPictureRef(QStringLiteral("c.png"));
+    QVERIFY(send(child, 0)); // changed here: written
+    QCOMPARE(heldName(), QStringLiteral("C"));
+    QVERIFY(repository->DeleteCatalogItem(QStringLiteral("REF"), QStringLiteral("{C}")));
+    QVERIFY(send(child, 0)); // deleted meanwhile: written again
+    QCOMPARE(heldName(), QStringLiteral("C"));
+    repository->BeginAction(); // nested: the outer action goes on
+    repository->EndAction();
+    renameElsewhere();
+    QVERIFY(send(child, 0));
+    QCOMPARE(heldName(), QStringLiteral("elsewhere"));
+    repository->EndAction();
+
+    QVERIFY(send(child, 0)); // the action is over: every send writes what differs
+    QCOMPARE(heldName(), QStringLiteral("C"));
 }
 
 void TestRepositoryFailures::readOnlyUser()
