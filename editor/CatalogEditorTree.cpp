@@ -6,6 +6,7 @@
 #include "catalog/CatalogMetadata.h"
 #include "catalog/ModuleConfiguration.h"
 #include "catalog/Utility.h"
+#include "controls/TreeRowWalk.h"
 #include "editor/CatalogEditorIds.h"
 #include "editor/EditCommands.h"
 #include "host/HostServices.h"
@@ -141,23 +142,18 @@ void CCatalogEditorDlg::OnLabelEditEnded(bool upper, QTreeWidgetItem* row)
 
 void CCatalogEditorDlg::ForgetRows(QTreeWidgetItem* row)
 {
-    if (!row)
-        return;
-    std::vector<QTreeWidgetItem*> pending{row};
-    while (!pending.empty())
-    {
-        QTreeWidgetItem* next = pending.back();
-        pending.pop_back();
-        m_rowFilter.forget(next);
-        if (CCatalogItem* item = Editor::CatalogItemOfRow(next))
-        {
-            const auto it = m_itemRows.find(item);
-            if (it != m_itemRows.end() && it->second == next)
-                m_itemRows.erase(it);
-        }
-        for (int i = 0; i < next->childCount(); ++i)
-            pending.push_back(next->child(i));
-    }
+    Utility::WalkRows(row,
+                      [this](QTreeWidgetItem* next)
+                      {
+                          m_rowFilter.forget(next);
+                          if (CCatalogItem* item = Editor::CatalogItemOfRow(next))
+                          {
+                              const auto it = m_itemRows.find(item);
+                              if (it != m_itemRows.end() && it->second == next)
+                                  m_itemRows.erase(it);
+                          }
+                          return true;
+                      });
 }
 
 void CCatalogEditorDlg::DropTreeRows()

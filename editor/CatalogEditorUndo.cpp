@@ -6,6 +6,7 @@
 #include "catalog/CatalogItem.h"
 #include "controls/PropertyGridModel.h"
 #include "controls/PropertyGridWidget.h"
+#include "controls/TreeRowWalk.h"
 #include "editor/EditCommands.h"
 
 #include <QAction>
@@ -38,24 +39,18 @@ TreeViewState CaptureTree(CatalogTreeWidget& tree)
         state.current = KeyOf(current);
     }
     // Only open rows are walked: what lies under a closed row is not seen.
-    std::vector<QTreeWidgetItem*> pending;
-    if (QTreeWidgetItem* root = tree.topLevelItem(0))
-        pending.push_back(root);
-    while (!pending.empty())
-    {
-        QTreeWidgetItem* row = pending.back();
-        pending.pop_back();
-        if (!row->isExpanded())
-            continue;
-        const QString key = KeyOf(row);
-        state.expanded.insert(key);
-        QStringList& order = state.childOrder[key];
-        for (int i = 0; i < row->childCount(); ++i)
-        {
-            order << KeyOf(row->child(i));
-            pending.push_back(row->child(i));
-        }
-    }
+    Utility::WalkRows(tree.topLevelItem(0),
+                      [&](QTreeWidgetItem* row)
+                      {
+                          if (!row->isExpanded())
+                              return false;
+                          const QString key = KeyOf(row);
+                          state.expanded.insert(key);
+                          QStringList& order = state.childOrder[key];
+                          for (int i = 0; i < row->childCount(); ++i)
+                              order << KeyOf(row->child(i));
+                          return true;
+                      });
     state.scroll = tree.verticalScrollBar()->value();
     return state;
 }
@@ -81,26 +76,20 @@ void RestoreChildOrder(QTreeWidgetItem* row, const QStringList& order)
 void RestoreTree(CatalogTreeWidget& tree, const TreeViewState& state)
 {
     QTreeWidgetItem* current = nullptr;
-    std::vector<QTreeWidgetItem*> pending;
-    if (QTreeWidgetItem* root = tree.topLevelItem(0))
-        pending.push_back(root);
-    while (!pending.empty())
-    {
-        QTreeWidgetItem* row = pending.back();
-        pending.pop_back();
-        const QString key = KeyOf(row);
-        if (state.hasCurrent && !current && key == state.current)
-            current = row;
-        const bool open = state.expanded.contains(key);
-        if (row->isExpanded() != open)
-            row->setExpanded(open);
-        if (!open)
-            continue;
-        if (const auto order = state.childOrder.constFind(key); order != state.childOrder.cend())
-            RestoreChildOrder(row, *order);
-        for (int i = 0; i < row->childCount(); ++i)
-            pending.push_back(row->child(i));
-    }
+    Utility::WalkRows(tree.topLevelItem(0),
+                      [&](QTreeWidgetItem* row)
+                      {
+                          const QString key = KeyOf(row);
+                          if (state.hasCurrent && !current && key == state.current)
+                              current = row;
+                          const bool open = state.expanded.contains(key);
+                          if (row->isExpanded() != open)
+                              row->setExpanded(open);
+                          if (const auto order = state.childOrder.constFind(key);
+                              open && order != state.childOrder.cend())
+                              RestoreChildOrder(row, *order);
+                          return open;
+                      });
     // A current row under a closed one is not reached above.
     if (state.hasCurrent && !current && !state.current.isEmpty())
     {

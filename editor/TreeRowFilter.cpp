@@ -1,5 +1,6 @@
 #include "editor/TreeRowFilter.h"
 
+#include "controls/TreeRowWalk.h"
 #include "editor/CatalogTreeWidget.h"
 
 #include <QApplication>
@@ -63,17 +64,14 @@ bool TreeRowFilter::keeps(QTreeWidgetItem* row) const
 
 bool TreeRowFilter::keepsBelow(QTreeWidgetItem* row) const
 {
-    std::vector<QTreeWidgetItem*> pending{row};
-    while (!pending.empty())
-    {
-        QTreeWidgetItem* next = pending.back();
-        pending.pop_back();
-        if (keeps(next))
-            return true;
-        for (int i = 0; i < next->childCount(); ++i)
-            pending.push_back(next->child(i));
-    }
-    return false;
+    bool kept = false;
+    Utility::WalkRows(row,
+                      [&](QTreeWidgetItem* next)
+                      {
+                          kept = kept || keeps(next);
+                          return !kept; // once one is kept nothing more is looked at
+                      });
+    return kept;
 }
 
 void TreeRowFilter::setHidden(QTreeWidget& tree, QTreeWidgetItem* row, bool hide)

@@ -9,6 +9,7 @@
 #include "controls/DialogUnits.h"
 #include "controls/ResizeAnchors.h"
 #include "host/HostServices.h"
+#include "controls/TreeRowWalk.h"
 #include "impex/ImpexIds.h"
 #include "impex/ImpexTransfers.h"
 
@@ -400,28 +401,27 @@ void CDlgCatalogImpex::ForgetRows(QTreeWidgetItem* row)
 {
     if (!row)
         return;
-    std::vector<QTreeWidgetItem*> pending{row};
     const bool left = row->treeWidget() == m_treeLocal;
     auto& rows = left ? m_leftItemsByGuid : m_rightItemsByGuid;
     const bool records = !left && m_rightShowsRecords;
-    while (!pending.empty())
-    {
-        QTreeWidgetItem* current = pending.back();
-        pending.pop_back();
-        m_transferredItems.erase(current);
-        if (const void* data = CClrTreeCtrl::GetItemData(current))
+    Utility::WalkRows(
+        row,
+        [&](QTreeWidgetItem* current)
         {
-            const QString key =
-                records ? QString::fromStdWString(
-                              static_cast<const Repository::CNetCatalogueItem*>(data)->GetCatalogueId())
-                        : static_cast<const CCatalogItem*>(data)->GetGUID();
-            const auto it = rows.find(key);
-            if (it != rows.end() && it->second == current)
-                rows.erase(it);
-        }
-        for (int i = 0; i < current->childCount(); ++i)
-            pending.push_back(current->child(i));
-    }
+            m_transferredItems.erase(current);
+            if (const void* data = CClrTreeCtrl::GetItemData(current))
+            {
+                const QString key =
+                    records ? QString::fromStdWString(
+                                  static_cast<const Repository::CNetCatalogueItem*>(data)
+                                      ->GetCatalogueId())
+                            : static_cast<const CCatalogItem*>(data)->GetGUID();
+                const auto it = rows.find(key);
+                if (it != rows.end() && it->second == current)
+                    rows.erase(it);
+            }
+            return true;
+        });
 }
 
 void CDlgCatalogImpex::ForgetTree(CClrTreeCtrl& tree)
