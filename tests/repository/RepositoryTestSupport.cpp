@@ -3,6 +3,8 @@
 #include "catalog/Category.h"
 #include "catalog/PropertiesEx.h"
 
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QtTest>
 #include <boost/make_shared.hpp>
 #include <memory>
@@ -45,13 +47,21 @@ PostgresServer* sharedServer(QString& why)
     return server.get();
 }
 
+namespace
+{
+QString sqliteFile(const QTemporaryDir& folder)
+{
+    return folder.filePath(QStringLiteral("repository.sqlite"));
+}
+} // namespace
+
 QString freshRepository(const QString& backend, QTemporaryDir& folder, QString& why,
                         QString* database)
 {
     static int counter = 0;
     ++counter;
     if (backend == u"sqlite")
-        return QStringLiteral("sqlite:%1/repository.sqlite").arg(folder.path());
+        return QStringLiteral("sqlite:") + sqliteFile(folder);
     PostgresServer* server = sharedServer(why);
     if (!server)
         return QString();
@@ -65,6 +75,36 @@ QString freshRepository(const QString& backend, QTemporaryDir& folder, QString& 
     if (database)
         *database = name;
     return server->url(PostgresServer::writer, PostgresServer::writerPassword, name);
+}
+
+QString sqlTarget(const QString& backend, const QTemporaryDir& folder, const QString& url)
+{
+    return backend == u"sqlite" ? sqliteFile(folder) : url.section(u'/', -1);
+}
+
+QString sql(const QString& backend, const QString& target, const QString& statement)
+{
+    if (backend == u"postgresql")
+    {
+        QString why, out;
+        PostgresServer* server = sharedServer(why);
+        if (!server || !server->psql(statement, &out, PostgresServer::Superuser, target))
+            return QStringLiteral("<failed: %1>").arg(server ? server->error() : why);
+        return out;
+    }
+    QString result;
+    {
+        QSqlDatabase db =
+            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("side"));
+        db.setDatabaseName(target);
+        QSqlQuery query(db);
+        if (!db.open() || !query.exec(statement))
+            result = QStringLiteral("<failed>");
+        else if (query.next())
+            result = query.value(0).toString();
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("side"));
+    return result;
 }
 
 void addBackendRows()

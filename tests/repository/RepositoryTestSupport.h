@@ -29,6 +29,13 @@ void stopSharedServer();
 QString freshRepository(const QString& backend, QTemporaryDir& folder, QString& why,
                         QString* database = nullptr);
 
+// Where sql() reaches a row's repository `url`: its SQLite file in `folder` (as
+// freshRepository makes it), or its PostgreSQL database.
+QString sqlTarget(const QString& backend, const QTemporaryDir& folder, const QString& url);
+// Runs one statement on the row's database, beside the client, as the superuser on
+// PostgreSQL: the first column of the first row, "<failed...>" when it failed.
+QString sql(const QString& backend, const QString& target, const QString& statement);
+
 // Adds the column "backend" with one row per back end, named after it.
 void addBackendRows();
 // The same column with the PostgreSQL row alone, for what only a server can show.

@@ -1,5 +1,6 @@
 // The repository client's records on every back end: what is sent comes back whole, flag 0
-// against 1, replacement and revision, children order, deletion rules, a walk of the tree.
+// against 1, replacement and revision, the catalog's name, what one action spares, children
+// order, deletion rules, a walk of the tree.
 
 #include "tests/repository/RepositoryTestSupport.h"
 
@@ -31,6 +32,10 @@ private slots:
     void flagZeroSendsTheItemAlone();
     void replacingBumpsTheRevision_data() { addBackendRows(); }
     void replacingBumpsTheRevision();
+    void catalogNameFollowsTheLastNamedSend_data() { addBackendRows(); }
+    void catalogNameFollowsTheLastNamedSend();
+    void actionSparesWhatItWroteUnchanged_data() { addBackendRows(); }
+    void actionSparesWhatItWroteUnchanged();
     void childrenComeInOrderThenName_data() { addBackendRows(); }
     void childrenComeInOrderThenName();
     void deleteRefusedWhileChildrenRemain_data() { addBackendRows(); }
@@ -163,6 +168,76 @@ void TestRepository::replacingBumpsTheRevision()
     QCOMPARE(back->GetOrd(), 5);
     QCOMPARE(tree(QStringLiteral("REF")),
              QStringList({QStringLiteral("G"), QStringLiteral("  C renamed")}));
+}
+
+void TestRepository::catalogNameFollowsTheLastNamedSend()
+{
+    REPOSITORY_SETUP(folder);
+    const QString target = sqlTarget(backend, folder, url);
+    const auto displayName = [&]
+    { return sql(backend, target, QStringLiteral("SELECT display_name FROM catalogs")); };
+    Item group = makeItem(QStringLiteral("G"), true);
+    Item child = makeItem(QStringLiteral("C"), false, group);
+    // One record after a send that wrote the catalog's row takes a shorter way: the name
+    // must still be kept, or replaced when it changes.
+    const struct
+    {
+        Item item;
+        int flag;
+        QString name;
+        QString expected;
+    } sends[] = {
+        {child, 0, QString(), QStringLiteral("REF")},
+        {group, 1, QStringLiteral("Kabeli"), QStringLiteral("Kabeli")},
+        {child, 0, QString(), QStringLiteral("Kabeli")},
+        {child, 0, QStringLiteral("Kabeli"), QStringLiteral("Kabeli")},
+        {child, 0, QStringLiteral("Kabeli 1 kV"), QStringLiteral("Kabeli 1 kV")},
+        {group, 0, QString(), QStringLiteral("Kabeli 1 kV")},
+    };
+    for (const auto& send : sends)
+    {
+        QVERIFY2(repository->AddCatalogItem(QStringLiteral("REF"), send.name, send.item, send.flag),
+                 qPrintable(repository->LastError()));
+        QCOMPARE(displayName(), send.expected);
+    }
+    // Sent five times, never changed: written once.
+    QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{C}")), 1);
+}
+
+void TestRepository::actionSparesWhatItWroteUnchanged()
+{
+    REPOSITORY_SETUP(folder);
+    const QString target = sqlTarget(backend, folder, url);
+    Item group = makeItem(QStringLiteral("G"), true);
+    Item child = makeItem(QStringLiteral("C"), false, group);
+    const auto send = [&](const Item& item, int flag)
+    { return repository->AddCatalogItem(QStringLiteral("REF"), QString(), item, flag); };
+    // Another editor renames the record meanwhile: only a send that writes puts "C" back.
+    const auto renameElsewhere = [&]
+    { sql(backend, target, QStringLiteral("UPDATE items SET name = 'elsewhere' WHERE id = '{C}'")); };
+    const auto heldName = [&]
+    { return sql(backend, target, QStringLiteral("SELECT name FROM items WHERE id = '{C}'")); };
+
+    repository->BeginAction();
+    QVERIFY2(send(group, 1), qPrintable(repository->LastError()));
+    renameElsewhere();
+    QVERIFY(send(child, 1)); // written in this action and unchanged: spared
+    QCOMPARE(heldName(), QStringLiteral("elsewhere"));
+    child->SetPictureRef(QStringLiteral("c.png"));
+    QVERIFY(send(child, 0)); // changed here: written
+    QCOMPARE(heldName(), QStringLiteral("C"));
+    QVERIFY(repository->DeleteCatalogItem(QStringLiteral("REF"), QStringLiteral("{C}")));
+    QVERIFY(send(child, 0)); // deleted meanwhile: written again
+    QCOMPARE(heldName(), QStringLiteral("C"));
+    repository->BeginAction(); // nested: the outer action goes on
+    repository->EndAction();
+    renameElsewhere();
+    QVERIFY(send(child, 0));
+    QCOMPARE(heldName(), QStringLiteral("elsewhere"));
+    repository->EndAction();
+
+    QVERIFY(send(child, 0)); // the action is over: every send writes what differs
+    QCOMPARE(heldName(), QStringLiteral("C"));
 }
 
 void TestRepository::childrenComeInOrderThenName()

@@ -44,32 +44,6 @@ QString describe(const Repository::RepositoryUrl& url)
         .arg(url.connectTimeout);
 }
 
-// Runs one statement on the row's database, beside the client.
-QString sql(const QString& backend, const QString& target, const QString& statement)
-{
-    if (backend == u"postgresql")
-    {
-        QString why, out;
-        PostgresServer* server = sharedServer(why);
-        if (!server || !server->psql(statement, &out, PostgresServer::Superuser, target))
-            return QStringLiteral("<failed: %1>").arg(server ? server->error() : why);
-        return out;
-    }
-    QString result;
-    {
-        QSqlDatabase db =
-            QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("side"));
-        db.setDatabaseName(target);
-        QSqlQuery query(db);
-        if (!db.open() || !query.exec(statement))
-            result = QStringLiteral("<failed>");
-        else if (query.next())
-            result = query.value(0).toString();
-    }
-    QSqlDatabase::removeDatabase(QStringLiteral("side"));
-    return result;
-}
-
 } // namespace
 
 class TestRepositoryFailures : public QObject
@@ -89,10 +63,6 @@ private slots:
     void connectionRefused();
     void newerSchemaRefused_data() { addBackendRows(); }
     void newerSchemaRefused();
-    void catalogNameFollowsTheLastNamedSend_data() { addBackendRows(); }
-    void catalogNameFollowsTheLastNamedSend();
-    void actionSparesWhatItWroteUnchanged_data() { addBackendRows(); }
-    void actionSparesWhatItWroteUnchanged();
     void readOnlyUser_data() { addPostgresRow(); }
     void readOnlyUser();
     void serverStoppedMidTransfer_data() { addPostgresRow(); }
@@ -327,9 +297,7 @@ void TestRepositoryFailures::connectionRefused()
 void TestRepositoryFailures::newerSchemaRefused()
 {
     REPOSITORY_SETUP(folder);
-    const QString target = backend == u"sqlite"
-                               ? folder.filePath(QStringLiteral("repository.sqlite"))
-                               : url.section(u'/', -1);
+    const QString target = sqlTarget(backend, folder, url);
     QVERIFY(repository->AddCatalogItem(QStringLiteral("REF"), QString(),
                                        makeItem(QStringLiteral("I"), false), 0));
     repository->Reset();
@@ -343,80 +311,6 @@ void TestRepositoryFailures::newerSchemaRefused()
     QCOMPARE(sql(backend, target, QStringLiteral("SELECT version FROM schema_version")),
              QStringLiteral("99"));
     QCOMPARE(sql(backend, target, QStringLiteral("SELECT name FROM items")), QStringLiteral("I"));
-}
-
-void TestRepositoryFailures::catalogNameFollowsTheLastNamedSend()
-{
-    REPOSITORY_SETUP(folder);
-    const QString target = backend == u"sqlite"
-                               ? folder.filePath(QStringLiteral("repository.sqlite"))
-                               : url.section(u'/', -1);
-    const auto displayName = [&]
-    { return sql(backend, target, QStringLiteral("SELECT display_name FROM catalogs")); };
-    Item group = makeItem(QStringLiteral("G"), true);
-    Item child = makeItem(QStringLiteral("C"), false, group);
-    // One record after a send that wrote the catalog's row takes a shorter way: the name
-    // must still be kept, or replaced when it changes.
-    const struct
-    {
-        Item item;
-        int flag;
-        QString name;
-        QString expected;
-    } sends[] = {
-        {child, 0, QString(), QStringLiteral("REF")},
-        {group, 1, QStringLiteral("Kabeli"), QStringLiteral("Kabeli")},
-        {child, 0, QString(), QStringLiteral("Kabeli")},
-        {child, 0, QStringLiteral("Kabeli"), QStringLiteral("Kabeli")},
-        {child, 0, QStringLiteral("Kabeli 1 kV"), QStringLiteral("Kabeli 1 kV")},
-        {group, 0, QString(), QStringLiteral("Kabeli 1 kV")},
-    };
-    for (const auto& send : sends)
-    {
-        QVERIFY2(repository->AddCatalogItem(QStringLiteral("REF"), send.name, send.item, send.flag),
-                 qPrintable(repository->LastError()));
-        QCOMPARE(displayName(), send.expected);
-    }
-    // Sent five times, never changed: written once.
-    QCOMPARE(repository->GetRevision(QStringLiteral("REF"), QStringLiteral("{C}")), 1);
-}
-
-void TestRepositoryFailures::actionSparesWhatItWroteUnchanged()
-{
-    REPOSITORY_SETUP(folder);
-    const QString target = backend == u"sqlite"
-                               ? folder.filePath(QStringLiteral("repository.sqlite"))
-                               : url.section(u'/', -1);
-    Item group = makeItem(QStringLiteral("G"), true);
-    Item child = makeItem(QStringLiteral("C"), false, group);
-    const auto send = [&](const Item& item, int flag)
-    { return repository->AddCatalogItem(QStringLiteral("REF"), QString(), item, flag); };
-    // Another editor renames the record meanwhile: only a send that writes puts "C" back.
-    const auto renameElsewhere = [&]
-    { sql(backend, target, QStringLiteral("UPDATE items SET name = 'elsewhere' WHERE id = '{C}'")); };
-    const auto heldName = [&]
-    { return sql(backend, target, QStringLiteral("SELECT name FROM items WHERE id = '{C}'")); };
-
-    repository->BeginAction();
-    QVERIFY2(send(group, 1), qPrintable(repository->LastError()));
-    renameElsewhere();
-    QVERIFY(send(child, 1)); // written in this action and unchanged: spared
-    QCOMPARE(heldName(), QStringLiteral("elsewhere"));
-    child->SetPictureRef(QStringLiteral("c.png"));
-    QVERIFY(send(child, 0)); // changed here: written
-    QCOMPARE(heldName(), QStringLiteral("C"));
-    QVERIFY(repository->DeleteCatalogItem(QStringLiteral("REF"), QStringLiteral("{C}")));
-    QVERIFY(send(child, 0)); // deleted meanwhile: written again
-    QCOMPARE(heldName(), QStringLiteral("C"));
-    repository->BeginAction(); // nested: the outer action goes on
-    repository->EndAction();
-    renameElsewhere();
-    QVERIFY(send(child, 0));
-    QCOMPARE(heldName(), QStringLiteral("elsewhere"));
-    repository->EndAction();
-
-    QVERIFY(send(child, 0)); // the action is over: every send writes what differs
-    QCOMPARE(heldName(), QStringLiteral("C"));
 }
 
 void TestRepositoryFailures::readOnlyUser()
