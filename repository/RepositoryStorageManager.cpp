@@ -165,6 +165,27 @@ CRepositoryStorageManager::GetCatalogItemById(const QString& catalogReference,
     return item;
 }
 
+namespace
+{
+// The failure line's account of a send: "sending "NAME" GUID [with N descendant(s)] to ...".
+QString SendDescription(CCatalogItem& item, size_t records, const QString& catalogReference)
+{
+    QString what = QStringLiteral("sending \"%1\" %2").arg(item.GetName(), item.GetGUID());
+    if (records > 1)
+        what += QStringLiteral(" with %1 descendant(s)").arg(records - 1);
+    return what + QStringLiteral(" to catalog %1").arg(catalogReference);
+}
+} // namespace
+
+bool CRepositoryStorageManager::sparedInAction(const QString& catalogReference,
+                                               const QString& catalogName,
+                                               const std::vector<RecordRow>& records) const
+{
+    return m_actionDepth > 0 && m_store && m_store->accessible() &&
+           m_store->catalogRowWritten(catalogReference, catalogName) &&
+           m_writtenInAction.holdAll(catalogReference, records);
+}
+
 int CRepositoryStorageManager::AddCatalogItem(const QString& catalogReference,
                                               const QString& catalogName,
                                               boost::shared_ptr<CCatalogItem> item, int flag)
@@ -176,16 +197,10 @@ int CRepositoryStorageManager::AddCatalogItem(const QString& catalogReference,
                      .arg(m_displayUrl, catalogReference));
         return 0;
     }
-    const std::vector<RecordRow> records = RecordsOf(*item, flag != 0);
-    QString what = QStringLiteral("sending \"%1\" %2").arg(item->GetName(), item->GetGUID());
-    if (records.size() > 1)
-        what += QStringLiteral(" with %1 descendant(s)").arg(records.size() - 1);
-    what += QStringLiteral(" to catalog %1").arg(catalogReference);
     if (!ready())
         return 0;
-    if (m_actionDepth > 0 && m_store->accessible() &&
-        m_store->catalogRowWritten(catalogReference, catalogName) &&
-        m_writtenInAction.holdAll(catalogReference, records))
+    const std::vector<RecordRow> records = RecordsOf(*item, flag != 0);
+    if (sparedInAction(catalogReference, catalogName, records))
     {
         m_lastError.clear();
         return 1;
@@ -198,7 +213,8 @@ int CRepositoryStorageManager::AddCatalogItem(const QString& catalogReference,
     { return records.size() == 1 && m_store->catalogRowWritten(catalogReference, catalogName); };
     // Asked again inside: a reconnection forgets which rows stand, and the catalog's row
     // on its own does no harm.
-    const bool sent = call(what, catalogRowStands() ? Unit::Statement : Unit::Transaction,
+    const bool sent = call(SendDescription(*item, records.size(), catalogReference),
+                           catalogRowStands() ? Unit::Statement : Unit::Transaction,
                            [&]
                            {
                                return (catalogRowStands() ||

@@ -93,6 +93,10 @@ private:
     bool fail(const QString& line);
     // Runs one call's work on the store; false, with LastError set, when it failed.
     bool call(const QString& what, Unit unit, const std::function<bool()>& work);
+    // Within an action: whether these records were written in it already, unchanged, with
+    // the catalog's row standing, so that the send needs no trip to the server.
+    bool sparedInAction(const QString& catalogReference, const QString& catalogName,
+                        const std::vector<RecordRow>& records) const;
 
     std::unique_ptr<RepositoryStore> m_store;
     bool m_configured = false;
