@@ -1,12 +1,12 @@
 #include "tools/ImpexCommands.h"
 
 #include "catalog/CatalogItemXml.h"
-#include "catalog/CatalogManager.h"
 #include "catalog/Category.h"
 #include "catalog/PropertiesEx.h"
 #include "catalog/PropertyEx.h"
 #include "catalog/SafeFileWrite.h"
 #include "impex/ImpexTransfers.h"
+#include "tools/CommandSupport.h"
 
 #include <algorithm>
 #include <map>
@@ -21,39 +21,18 @@ namespace ZevxTool
 namespace
 {
 
-int fail(QTextStream& err, const QString& line)
-{
-    err << "zevxcatalog: " << line.simplified() << '\n' << Qt::flush;
-    return 1;
-}
-
 // Catalog REF of the store, or null after saying why.
-boost::shared_ptr<CCatalog> loadCatalog(const QString& reference, QTextStream& err)
+boost::shared_ptr<CCatalog> storeCatalog(const QString& reference, QTextStream& err)
 {
-    auto* manager = CCatalogManager::Instance();
-    const auto metadata = manager->GetMetadata(reference);
-    if (!metadata) {
-        manager->TakeErrors();
-        fail(err, "no catalog \"" + reference + "\" in the registry of " + manager->RootFolder());
-        return {};
-    }
-    auto catalog = manager->GetCatalog(metadata->GetCatalogReference(), 1);
-    if (!catalog) {
-        const QStringList errors = manager->TakeErrors();
-        fail(err, errors.isEmpty() ? "catalog " + reference + " cannot be loaded" : errors.last());
-    }
-    return catalog;
+    const auto metadata = findCatalog(reference, err);
+    return metadata ? loadCatalog(*metadata, err) : nullptr;
 }
 
 // Every group of `catalog`, parents before their sub-groups, in the trees' order.
 std::vector<ItemPtr> allGroups(CCatalog& catalog)
 {
     std::vector<ItemPtr> roots;
-    for (const auto& [guid, item] : *catalog.GetRootElementsMap())
-        if (item)
-            roots.push_back(item);
-    std::stable_sort(roots.begin(), roots.end(),
-                     [](const ItemPtr& a, const ItemPtr& b) { return a->GetOrd() < b->GetOrd(); });
+    catalog.GetSortedRootElements(roots);
     std::vector<ItemPtr> groups;
     std::vector<ItemPtr> pending(roots.rbegin(), roots.rend());
     std::vector<ItemPtr> subItems;
@@ -186,7 +165,7 @@ int reportDryRun(CCatalog& local, const std::vector<ItemPtr>& entries, QTextStre
 int exportEntries(const QString& reference, const QString& file, const QStringList& guids,
                   QTextStream& out, QTextStream& err)
 {
-    const auto local = loadCatalog(reference, err);
+    const auto local = storeCatalog(reference, err);
     if (!local)
         return 1;
     std::vector<ItemPtr> entries;
@@ -209,7 +188,7 @@ int exportEntries(const QString& reference, const QString& file, const QStringLi
 int importEntries(const QString& reference, const QString& file, const QStringList& guids,
                   bool dryRun, QTextStream& out, QTextStream& err)
 {
-    const auto local = loadCatalog(reference, err);
+    const auto local = storeCatalog(reference, err);
     if (!local)
         return 1;
     QString why;
@@ -228,12 +207,8 @@ int importEntries(const QString& reference, const QString& file, const QStringLi
     size_t copies = 0;
     for (const ItemPtr& entry : entries)
         copies += ZEVGis::Impex::CopyIntoCatalog(*local, *entry, true).size();
-    auto* manager = CCatalogManager::Instance();
-    if (!manager->Save(local->GetReference(), 1, 0)) {
-        const QStringList errors = manager->TakeErrors();
-        manager->ReloadCatalog(local->GetReference());
-        return fail(err, errors.isEmpty() ? "catalog " + reference + " could not be saved" : errors.last());
-    }
+    if (!saveCatalog(local->GetReference(), err))
+        return 1;
     out << "imported " << copies << " entries into " << local->GetReference() << '\n' << Qt::flush;
     return 0;
 }

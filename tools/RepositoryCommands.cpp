@@ -1,4 +1,5 @@
 #include "tools/RepositoryCommands.h"
+#include "tools/CommandSupport.h"
 
 #include "catalog/CatalogManager.h"
 #include "repository/RepositoryStorageManager.h"
@@ -56,12 +57,6 @@ private:
     qint64 m_next = 300;
     QElapsedTimer m_timer;
 };
-
-int fail(QTextStream& err, const QString& line)
-{
-    err << "zevxcatalog: " << line.simplified() << '\n' << Qt::flush;
-    return 1;
-}
 
 // The repository named on the command line or by the environment, connected; null after
 // writing why not.
@@ -129,14 +124,10 @@ int pullEntries(CRepositoryStorageManager& repository, const CCatalogMetadata& m
             return fail(err, outcome.error);
     }
     Repository::ApplyPull(catalog, items);
-    auto* manager = CCatalogManager::Instance();
-    if (!manager->Save(reference, 1, 0)) {
-        const QStringList errors = manager->TakeErrors();
-        manager->ReloadCatalog(reference);
-        return fail(err, errors.isEmpty() ? "catalog " + reference + " could not be saved" : errors.last());
-    }
+    if (!saveCatalog(reference, err))
+        return 1;
     out << "brought " << items.size() << " records into " << reference << " ("
-        << manager->CatalogFilePath(metadata) << ")\n" << Qt::flush;
+        << CCatalogManager::Instance()->CatalogFilePath(metadata) << ")\n" << Qt::flush;
     return 0;
 }
 
@@ -180,19 +171,14 @@ int repositoryCommand(const QStringList& words, const QString& url, QTextStream&
     const QString reference = words[1];
     const QStringList guids = words.mid(2);
 
-    auto* manager = CCatalogManager::Instance();
-    const auto metadata = manager->GetMetadata(reference);
-    if (!metadata) {
-        manager->TakeErrors(); // one line says it: the catalog is not there
-        return fail(err, "no catalog \"" + reference + "\" in the registry of " + manager->RootFolder());
-    }
+    const auto metadata = findCatalog(reference, err);
+    if (!metadata)
+        return 1;
     boost::shared_ptr<CCatalog> catalog;
     if (command == u"push" || command == u"pull") {
-        catalog = manager->GetCatalog(metadata->GetCatalogReference(), 1);
-        if (!catalog) {
-            const QStringList errors = manager->TakeErrors();
-            return fail(err, errors.isEmpty() ? "catalog " + reference + " cannot be loaded" : errors.last());
-        }
+        catalog = loadCatalog(*metadata, err);
+        if (!catalog)
+            return 1;
     }
     auto* repository = connectRepository(url, err);
     if (!repository)
